@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Sets up, builds both configurations and runs every test: the portable core natively under
+# AddressSanitizer and UBSan, then the DLL and its tools under Wine with a virtual display.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/setup.sh
+start=$(date +%s)
+scripts/build.sh native
+scripts/build.sh windows
+echo "== native tests"
+ctest --preset native
+echo "== windows tests (Wine)"
+scripts/with-display.sh ctest --preset windows
+echo "== all tests passed in $(( $(date +%s) - start )) s after set-up"

@@ -1,0 +1,64 @@
+// Helpers shared by the tests: a scratch folder per test, whole-file reads and writes,
+// the source tree's location, and running an outside tool (an oracle such as djpeg).
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace lxtest {
+
+inline std::filesystem::path SourceDir() {
+    const char* dir = std::getenv("LX_SOURCE_DIR");
+    return dir ? std::filesystem::path(dir) : std::filesystem::current_path();
+}
+
+// A fresh, empty folder for one test, removed again when the object ends.
+class ScratchDir {
+public:
+    explicit ScratchDir(const std::string& name) {
+        path_ = std::filesystem::temp_directory_path() / ("lxtest-" + name + "-" + std::to_string(std::rand()));
+        std::filesystem::remove_all(path_);
+        std::filesystem::create_directories(path_);
+    }
+    ~ScratchDir() {
+        std::error_code ec;
+        std::filesystem::remove_all(path_, ec);
+    }
+    const std::filesystem::path& path() const { return path_; }
+    std::filesystem::path operator/(const std::string& leaf) const { return path_ / leaf; }
+
+private:
+    std::filesystem::path path_;
+};
+
+inline std::vector<uint8_t> ReadFile(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {});
+}
+
+inline void WriteFile(const std::filesystem::path& path, const std::vector<uint8_t>& bytes) {
+    std::ofstream out(path, std::ios::binary);
+    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+inline void WriteFile(const std::filesystem::path& path, const std::string& text) {
+    std::ofstream out(path, std::ios::binary);
+    out << text;
+}
+
+// Runs a shell command (native builds only); returns its exit status.
+inline int Run(const std::string& command) {
+    const int status = std::system(command.c_str());
+#ifdef _WIN32
+    return status;
+#else
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+#endif
+}
+
+}  // namespace lxtest
