@@ -1,0 +1,102 @@
+#include "FrameRunner.h"
+
+#include <objidl.h>  // gdiplus.h needs it under WIN32_LEAN_AND_MEAN
+#include <gdiplus.h>
+
+#include <algorithm>
+#include <mutex>
+
+namespace lx {
+namespace {
+
+// The module's table of thread message loops: one entry per running frame tool call.
+struct LoopEntry {
+    DWORD threadId;
+    MessageLoop* loop;
+};
+std::mutex g_loopsLock;
+std::vector<LoopEntry> g_loops;
+
+class RegisteredLoop {
+public:
+    explicit RegisteredLoop(MessageLoop* loop) : threadId_(GetCurrentThreadId()) {
+        std::lock_guard lock(g_loopsLock);
+        g_loops.push_back({threadId_, loop});
+    }
+    ~RegisteredLoop() {
+        std::lock_guard lock(g_loopsLock);
+        // Remove the newest entry of this thread: calls may nest (a frame opened from a frame).
+        auto it = std::find_if(g_loops.rbegin(), g_loops.rend(),
+                               [&](const LoopEntry& e) { return e.threadId == threadId_; });
+        if (it != g_loops.rend()) g_loops.erase(std::next(it).base());
+    }
+
+private:
+    DWORD threadId_;
+};
+
+class GdiplusSession {
+public:
+    GdiplusSession() {
+        Gdiplus::GdiplusStartupInput input;
+        if (Gdiplus::GdiplusStartup(&token_, &input, nullptr) != Gdiplus::Ok) token_ = 0;
+    }
+    ~GdiplusSession() {
+        if (token_) Gdiplus::GdiplusShutdown(token_);
+    }
+
+private:
+    ULONG_PTR token_ = 0;
+};
+
+int RunOneFrame(TopFrame& frame, const std::wstring& commandLine, int showCmd) {
+    MessageLoop loop;
+    RegisteredLoop registered(&loop);
+    if (!frame.Create(showCmd)) return 0;
+    frame.OpenStartup(commandLine);
+    return loop.Run();
+}
+
+}  // namespace
+
+int MessageLoop::Run() {
+    MSG msg;
+    while (GetMessageW(&msg, nullptr, 0, 0) > 0) {
+        bool consumed = false;
+        for (auto& filter : filters_) {
+            if (filter(msg)) {
+                consumed = true;
+                break;
+            }
+        }
+        if (consumed) continue;
+        TranslateMessage(&msg);
+        DispatchMessageW(&msg);
+    }
+    return msg.message == WM_QUIT ? static_cast<int>(msg.wParam) : 0;
+}
+
+MessageLoop* CurrentMessageLoop() {
+    const DWORD thread = GetCurrentThreadId();
+    std::lock_guard lock(g_loopsLock);
+    for (auto it = g_loops.rbegin(); it != g_loops.rend(); ++it)
+        if (it->threadId == thread) return it->loop;
+    return nullptr;
+}
+
+int RunFrameTool(const std::wstring& commandLine, int showCmd, FrameMode mode) {
+    GdiplusSession gdiplus;
+    // All three frame objects exist for the call; only the one asked for gets a window.
+    auto viewer = MakeViewerFrame();
+    auto editor = MakeEditorFrame();
+    auto slide = MakeSlideFrame();
+    return RunOneFrame(mode == FrameMode::Editor ? *editor : *viewer, commandLine, showCmd);
+}
+
+int RunSlideShowTool(const std::wstring& path, int showCmd) {
+    GdiplusSession gdiplus;
+    auto slide = MakeSlideFrame();
+    return RunOneFrame(*slide, path, showCmd);
+}
+
+}  // namespace lx

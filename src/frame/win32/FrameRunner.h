@@ -1,0 +1,54 @@
+// The shared start routine of the frame tools (editor, viewer, slide show).
+//
+// RunFrameTool starts GDI+ for its own lifetime, registers a message loop for the calling
+// thread in the module's table, creates the one frame window asked for, hands it the command
+// line, and pumps messages until that frame is destroyed. It returns on the calling thread.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace lx {
+
+enum class FrameMode { Editor = 0, Viewer = 1 };
+
+// A top-level frame as the runner sees it. The editor, viewer and slide-show frames derive
+// from it; until one is built, a plain window with the right class and caption stands in.
+class TopFrame {
+public:
+    virtual ~TopFrame() = default;
+    // Creates the window; null when it could not be created.
+    virtual HWND Create(int showCmd) = 0;
+    // The command line or path handed over at start-up.
+    virtual void OpenStartup(const std::wstring& commandLine) = 0;
+};
+
+// A message loop of one thread. Frames may add filters that see each message before it is
+// dispatched (accelerators, modeless dialogs); a filter returning true consumes it.
+class MessageLoop {
+public:
+    using Filter = std::function<bool(MSG&)>;
+    void AddFilter(Filter filter) { filters_.push_back(std::move(filter)); }
+    // Pumps until WM_QUIT; returns its exit code.
+    int Run();
+
+private:
+    std::vector<Filter> filters_;
+};
+
+// The loop registered for the calling thread, or null.
+MessageLoop* CurrentMessageLoop();
+
+int RunFrameTool(const std::wstring& commandLine, int showCmd, FrameMode mode);
+int RunSlideShowTool(const std::wstring& path, int showCmd);
+
+// Frame factories: the tools that own the frames provide them.
+std::unique_ptr<TopFrame> MakeEditorFrame();
+std::unique_ptr<TopFrame> MakeViewerFrame();
+std::unique_ptr<TopFrame> MakeSlideFrame();
+
+}  // namespace lx

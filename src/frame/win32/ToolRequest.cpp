@@ -1,0 +1,63 @@
+#include "ToolRequest.h"
+
+#include <shlwapi.h>
+
+namespace lx {
+namespace {
+
+constexpr DWORD kPathBufferBytes = 1040;  // 520 wide characters with the terminator
+
+DWORD ReadEffect(HKEY key) {
+    DWORD type = 0, value = 0, size = sizeof value;
+    if (RegQueryValueExW(key, L"effect", nullptr, &type, reinterpret_cast<BYTE*>(&value), &size) == ERROR_SUCCESS &&
+        type == REG_DWORD)
+        return value;
+    return 0;
+}
+
+std::wstring ReadPath(HKEY key) {
+    wchar_t buffer[kPathBufferBytes / sizeof(wchar_t)] = {};
+    DWORD type = 0, size = kPathBufferBytes;
+    if (RegQueryValueExW(key, L"path", nullptr, &type, reinterpret_cast<BYTE*>(buffer), &size) != ERROR_SUCCESS)
+        return {};
+    if (type != REG_SZ && type != REG_EXPAND_SZ) return {};
+    if (size == 0) return {};
+    // Only an even-length value whose last wide character is NUL is a string we can trust.
+    if (size % sizeof(wchar_t) != 0 || buffer[size / sizeof(wchar_t) - 1] != L'\0') return {};
+    return std::wstring(buffer);  // up to the first NUL
+}
+
+HGLOBAL ReadDrop(HKEY key) {
+    DWORD type = 0, size = 0;
+    if (RegQueryValueExW(key, L"drop", nullptr, &type, nullptr, &size) != ERROR_SUCCESS || type != REG_BINARY ||
+        size == 0)
+        return nullptr;
+    HGLOBAL block = GlobalAlloc(GMEM_SHARE | GMEM_ZEROINIT, size);
+    if (!block) return nullptr;
+    void* data = GlobalLock(block);
+    DWORD readSize = size;
+    const LSTATUS status =
+        data ? RegQueryValueExW(key, L"drop", nullptr, &type, static_cast<BYTE*>(data), &readSize) : ERROR_OUTOFMEMORY;
+    if (data) GlobalUnlock(block);
+    if (status != ERROR_SUCCESS || type != REG_BINARY) {
+        GlobalFree(block);
+        return nullptr;
+    }
+    return block;
+}
+
+}  // namespace
+
+int ReadToolRequest(ToolRequest& request, const wchar_t* keyName) {
+    HKEY key = nullptr;
+    if (!keyName || RegOpenKeyExW(HKEY_CURRENT_USER, keyName, 0, KEY_READ | KEY_WRITE, &key) != ERROR_SUCCESS)
+        return 0;
+    request.effect = ReadEffect(key);
+    request.path = ReadPath(key);
+    request.drop = ReadDrop(key);
+    RegCloseKey(key);
+    SHDeleteKeyW(HKEY_CURRENT_USER, keyName);
+    return 1;
+}
+
+}  // namespace lx

@@ -1,0 +1,140 @@
+// The exported entry points of lxpicture.dll. Every tool has a wide entry (name ending in
+// W) and an eight-bit one that converts its command line with the ANSI code page and then
+// does what the wide one does. The batch and publishing entries take the name of a request
+// key; the frame tools take a path.
+#include <windows.h>
+#include <shellapi.h>
+#include <shlwapi.h>
+
+#include <string>
+
+#include "CommandLine.h"
+#include "FrameRunner.h"
+#include "ModuleResources.h"
+#include "SettingsStore.h"
+#include "ToolRequest.h"
+#include "ToolWorkers.h"
+
+namespace {
+
+constexpr int kWideLineChars = 1040;
+
+// The eight-bit command line in a wide buffer of `chars` characters.
+std::wstring WidenCommandLine(const char* commandLine, int chars) {
+    std::wstring wide(static_cast<size_t>(chars), L'\0');
+    if (commandLine) {
+        if (MultiByteToWideChar(CP_ACP, 0, commandLine, -1, wide.data(), chars) == 0) wide[0] = L'\0';
+        wide[static_cast<size_t>(chars) - 1] = L'\0';
+    }
+    wide.resize(wcslen(wide.c_str()));
+    return wide;
+}
+
+// Reads the request named by the command line and hands its drop list to the tool; the
+// list is freed here whatever happened, never by the worker.
+template <typename Worker>
+int RunBatchTool(const wchar_t* keyName, Worker worker) {
+    lx::ScopedToolRequest scoped;
+    if (lx::ReadToolRequest(scoped.request, keyName) && scoped.request.drop)
+        worker(scoped.request);
+    return 0;
+}
+
+std::wstring Unquoted(std::wstring text) {
+    text.resize(std::min(text.size(), lx::kPathChars - 1));
+    text.push_back(L'\0');
+    PathUnquoteSpacesW(text.data());
+    text.resize(wcslen(text.c_str()));
+    return text;
+}
+
+}  // namespace
+
+// The .def file lists the exports with their exact names.
+#define LX_EXPORT extern "C"
+
+LX_EXPORT int WINAPI RunConvertImageW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
+    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
+        lx::RunConvertImageTool(owner, static_cast<HDROP>(r.drop));
+    });
+}
+
+LX_EXPORT int WINAPI RunSplitImageW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
+    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
+        lx::RunSplitImageTool(owner, static_cast<HDROP>(r.drop));
+    });
+}
+
+LX_EXPORT int WINAPI RunContrastResizeW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
+    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
+        lx::RunContrastResizeTool(owner, static_cast<HDROP>(r.drop));
+    });
+}
+
+LX_EXPORT int WINAPI RunRenameToExifDateW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
+    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
+        lx::RunRenameToExifDateTool(owner, static_cast<HDROP>(r.drop));
+    });
+}
+
+LX_EXPORT int WINAPI RunPickoutThumbnailW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
+    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
+        lx::RunPickoutThumbnailTool(owner, static_cast<HDROP>(r.drop), r.path);
+    });
+}
+
+LX_EXPORT int WINAPI RunWebAlbumW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
+    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
+        std::vector<uint8_t> status(lx::kWebAlbumStatusBytes);
+        lx::SettingsStore settings;
+        if (settings.ReadBlock(MAKEINTRESOURCEW(4408), MAKEINTRESOURCEW(4612), status.data(),
+                               lx::kWebAlbumStatusBytes) != lx::kWebAlbumStatusBytes)
+            status.clear();
+        lx::RunWebAlbumTool(owner, static_cast<HDROP>(r.drop), status);
+    });
+}
+
+LX_EXPORT int WINAPI RunJpeg2PdfW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
+    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
+        lx::RunJpeg2PdfTool(owner, static_cast<HDROP>(r.drop));
+    });
+}
+
+LX_EXPORT int WINAPI pxfRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
+    return lx::RunFrameTool(commandLine ? commandLine : L"", showCmd, lx::FrameMode::Editor);
+}
+
+LX_EXPORT int WINAPI imgRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
+    const std::wstring path = Unquoted(lx::SkipLeadingOptions(commandLine ? commandLine : L""));
+    return lx::RunFrameTool(path, showCmd, lx::FrameMode::Viewer);
+}
+
+LX_EXPORT int WINAPI slideRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
+    return lx::RunSlideShowTool(Unquoted(commandLine ? commandLine : L""), showCmd);
+}
+
+// Eight-bit variants.
+#define LX_EIGHT_BIT_ENTRY(name, wideName, chars)                                   \
+    LX_EXPORT int WINAPI name(HWND owner, HINSTANCE instance, LPSTR line, int show) { \
+        std::wstring wide = WidenCommandLine(line, chars);                          \
+        return wideName(owner, instance, wide.data(), show);                        \
+    }
+
+LX_EIGHT_BIT_ENTRY(RunConvertImage, RunConvertImageW, kWideLineChars)
+LX_EIGHT_BIT_ENTRY(RunSplitImage, RunSplitImageW, kWideLineChars)
+LX_EIGHT_BIT_ENTRY(RunContrastResize, RunContrastResizeW, kWideLineChars)
+LX_EIGHT_BIT_ENTRY(RunRenameToExifDate, RunRenameToExifDateW, kWideLineChars)
+LX_EIGHT_BIT_ENTRY(RunPickoutThumbnail, RunPickoutThumbnailW, kWideLineChars)
+LX_EIGHT_BIT_ENTRY(RunWebAlbum, RunWebAlbumW, kWideLineChars)
+LX_EIGHT_BIT_ENTRY(RunJpeg2Pdf, RunJpeg2PdfW, kWideLineChars)
+LX_EIGHT_BIT_ENTRY(pxfRun, pxfRunW, static_cast<int>(lx::kPathChars))
+LX_EIGHT_BIT_ENTRY(imgRun, imgRunW, kWideLineChars)
+LX_EIGHT_BIT_ENTRY(slideRun, slideRunW, kWideLineChars)
+
+// The four retired entries share one body that does nothing (the .def file names them).
+extern "C" int WINAPI vwiConvertImage(HWND, HINSTANCE, LPSTR, int) { return 0; }
+
+BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
+    if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(instance);
+    return TRUE;
+}
