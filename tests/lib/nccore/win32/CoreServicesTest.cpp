@@ -1,0 +1,170 @@
+#include "CoreServices.h"
+
+#include "DialogDriver.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+namespace {
+
+std::filesystem::path TestProgramFolder() {
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    return std::filesystem::path(path).parent_path();
+}
+
+// Waits for the stand-in tool to write what it was entered with.
+std::wstring WaitForProbe(const std::filesystem::path& file) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (std::chrono::steady_clock::now() < end) {
+        std::error_code ec;
+        if (std::filesystem::exists(file, ec) && std::filesystem::file_size(file, ec) > 0) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+            std::ifstream in(file, std::ios::binary);
+            std::string bytes((std::istreambuf_iterator<char>(in)), {});
+            return std::wstring(reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / sizeof(wchar_t));
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    return L"(nothing recorded)";
+}
+
+class RunModule : public ::testing::Test {
+protected:
+    void SetUp() override {
+        probe_ = TestProgramFolder() / "runprobe.dll";
+        ASSERT_TRUE(std::filesystem::exists(probe_)) << probe_;
+        wchar_t temp[MAX_PATH] = {};
+        GetTempPathW(MAX_PATH, temp);
+        out_ = std::filesystem::path(temp) /
+               (L"lx-runprobe-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(GetTickCount()));
+        SetEnvironmentVariableW(L"LX_RUN_PROBE_OUT", out_.c_str());
+    }
+    void TearDown() override {
+        std::error_code ec;
+        std::filesystem::remove(out_, ec);
+    }
+    std::filesystem::path probe_;
+    std::filesystem::path out_;
+};
+
+TEST_F(RunModule, EntersTheWideEntryWithAQuotedPath) {
+    ASSERT_TRUE(lx::StartModuleEntry(probe_.wstring(), L"probeRun", lx::QuoteIfBlank(L"C:\\my photos\\a b.jpg")));
+    EXPECT_EQ(WaitForProbe(out_), L"W|\"C:\\my photos\\a b.jpg\"");
+}
+
+TEST_F(RunModule, ADllStartsItselfFromTheHostProcess) {
+    // As when the host has loaded the module: the DLL must name its own file, not the host's.
+    HMODULE module = LoadLibraryW(probe_.c_str());
+    ASSERT_NE(module, nullptr);
+    auto relay = reinterpret_cast<void(CALLBACK*)(HWND, HINSTANCE, LPWSTR, int)>(
+        reinterpret_cast<void*>(GetProcAddress(module, "probeRelayW")));
+    ASSERT_NE(relay, nullptr);
+    wchar_t argument[] = L"C:\\shots\\day one.png";
+    relay(nullptr, nullptr, argument, SW_SHOWNORMAL);
+    EXPECT_EQ(WaitForProbe(out_), L"W|\"C:\\shots\\day one.png\"");
+    FreeLibrary(module);
+}
+
+TEST_F(RunModule, ADllStartedByRundll32StartsItselfAgain) {
+    ASSERT_TRUE(lx::StartModuleEntry(probe_.wstring(), L"probeRelay", L"/clip"));
+    EXPECT_EQ(WaitForProbe(out_), L"W|/clip");
+}
+
+TEST(RunModuleCommandLine, QuotesTheModuleAndPathsWithBlanks) {
+    const std::wstring line = lx::ModuleEntryCommandLine(L"C:\\Program Files\\lxpicture.dll", L"slideRun", L"x.jpg");
+    EXPECT_NE(line.find(L"rundll32.exe\" \"C:\\Program Files\\lxpicture.dll\",slideRun x.jpg"), std::wstring::npos)
+        << line;
+    EXPECT_EQ(lx::QuoteIfBlank(L"C:\\a\\b.jpg"), L"C:\\a\\b.jpg");
+    EXPECT_EQ(lx::QuoteIfBlank(L"C:\\a b\\c.jpg"), L"\"C:\\a b\\c.jpg\"");
+    EXPECT_EQ(lx::QuoteIfBlank(L"\"C:\\a b\\c.jpg\""), L"\"C:\\a b\\c.jpg\"");
+    EXPECT_EQ(lx::QuoteIfBlank(L"C:\\a\tb"), L"\"C:\\a\tb\"");
+    EXPECT_FALSE(lx::RunThisModule(nullptr, nullptr, L"x", L"/image"));
+    EXPECT_FALSE(lx::StartModuleEntry(L"", L"pxfRun", L"x"));
+}
+
+TEST(ReplaceCharacter, TurnsBackslashesIntoSlashes) {
+    wchar_t path[] = L"photos\\2024\\05\\a.jpg";
+    EXPECT_EQ(lx::ReplaceCharacter(path, L'\\', L'/'), 3u);
+    EXPECT_STREQ(path, L"photos/2024/05/a.jpg");
+    wchar_t none[] = L"plain";
+    EXPECT_EQ(lx::ReplaceCharacter(none, L'\\', L'/'), 0u);
+    EXPECT_STREQ(none, L"plain");
+    EXPECT_EQ(lx::ReplaceCharacter(nullptr, L'\\', L'/'), 0u);
+}
+
+TEST(ErrorDisplay, ShowsThePathAboveTheSystemText) {
+    const std::wstring text = lx::SystemErrorText(ERROR_PATH_NOT_FOUND, L"Q:\\missing\\out");
+    EXPECT_EQ(text.rfind(L"Q:\\missing\\out\r\n\r\n", 0), 0u) << text;
+    EXPECT_GT(text.size(), std::wstring(L"Q:\\missing\\out\r\n\r\n").size() + 3);
+    EXPECT_NE(text.back(), L'\n');
+    EXPECT_EQ(lx::SystemErrorText(0x2FFFFFFF, nullptr), L"Error 805306367");
+}
+
+TEST(ErrorDisplay, ReturnsTheButtonPressed) {
+    std::wstring seen;
+    lxtest::DialogDriver driver(L"Quarry7", [&](HWND box) {
+        seen = lxtest::AllChildTexts(box);
+        PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDRETRY, BN_CLICKED), 0);
+    });
+    const int button = lx::ShowSystemError(nullptr, ERROR_ACCESS_DENIED, L"Quarry7", L"C:\\locked", MB_RETRYCANCEL | MB_ICONWARNING);
+    EXPECT_EQ(button, IDRETRY);
+    EXPECT_TRUE(driver.Found());
+    EXPECT_NE(seen.find(L"C:\\locked"), std::wstring::npos) << seen;
+}
+
+TEST(ToolBar, MadeFromATemplateWithSeparators) {
+    HWND parent = CreateWindowExW(0, L"STATIC", L"host", WS_OVERLAPPEDWINDOW, 0, 0, 300, 200, nullptr, nullptr,
+                                  nullptr, nullptr);
+    ASSERT_NE(parent, nullptr);
+    const uint16_t layout[] = {1, 16, 16, 4, 2001, 0, 2002, 2003};
+    HWND bar = lx::CreateToolBarFromTemplate(parent, HINST_COMMCTRL, IDB_STD_SMALL_COLOR, layout, sizeof(layout),
+                                             WS_CHILD | WS_VISIBLE | TBSTYLE_FLAT, 59392);
+    ASSERT_NE(bar, nullptr);
+    EXPECT_EQ(GetDlgCtrlID(bar), 59392);
+    ASSERT_EQ(SendMessageW(bar, TB_BUTTONCOUNT, 0, 0), 4);
+    int commands[4] = {};
+    BYTE styles[4] = {};
+    int images[4] = {};
+    for (int i = 0; i < 4; ++i) {
+        TBBUTTON button = {};
+        SendMessageW(bar, TB_GETBUTTON, i, reinterpret_cast<LPARAM>(&button));
+        commands[i] = button.idCommand;
+        styles[i] = button.fsStyle;
+        images[i] = button.iBitmap;
+    }
+    EXPECT_EQ(commands[0], 2001);
+    EXPECT_EQ(commands[2], 2002);
+    EXPECT_EQ(commands[3], 2003);
+    EXPECT_TRUE(styles[1] & BTNS_SEP);
+    EXPECT_FALSE(styles[2] & BTNS_SEP);
+    EXPECT_EQ(images[0], 0);
+    EXPECT_EQ(images[3], 2);  // separators take no image of the strip
+    DestroyWindow(parent);
+
+    const uint16_t broken[] = {1, 16, 16, 9, 2001};
+    EXPECT_EQ(lx::CreateToolBarFromTemplate(nullptr, HINST_COMMCTRL, IDB_STD_SMALL_COLOR, broken, sizeof(broken),
+                                            WS_CHILD, 1),
+              nullptr);
+    EXPECT_EQ(lx::CreateToolBarFromResource(nullptr, GetModuleHandleW(nullptr), 31999, WS_CHILD, 1), nullptr);
+}
+
+TEST(ImageListStrip, CutsASystemStripAndFailsOnAMissingBitmap) {
+    EXPECT_EQ(lx::LoadImageListStrip(GetModuleHandleW(nullptr), 16, 31999, 1, CLR_NONE), nullptr);
+    // The system's small standard strip stands in for a module bitmap.
+    HINSTANCE comctl = GetModuleHandleW(L"comctl32.dll");
+    ASSERT_NE(comctl, nullptr);
+    HIMAGELIST list = lx::LoadImageListStrip(comctl, 16, 120 /* IDB_STD_SMALL_COLOR's bitmap */, 1, 0xff00ff);
+    if (list == nullptr) GTEST_SKIP() << "comctl32 holds no standard strip here";
+    EXPECT_GT(ImageList_GetImageCount(list), 1);
+    int cx = 0, cy = 0;
+    ImageList_GetIconSize(list, &cx, &cy);
+    EXPECT_EQ(cx, 16);
+    ImageList_Destroy(list);
+}
+
+}  // namespace
