@@ -4,11 +4,10 @@
 // key; the frame tools take a path.
 #include <windows.h>
 #include <shellapi.h>
-#include <shlwapi.h>
 
 #include <string>
 
-#include "CommandLine.h"
+#include "DropList.h"
 #include "FrameRunner.h"
 #include "ModuleResources.h"
 #include "SettingsStore.h"
@@ -30,22 +29,22 @@ std::wstring WidenCommandLine(const char* commandLine, int chars) {
     return wide;
 }
 
+bool DropIsWellFormed(HGLOBAL drop) {
+    const void* p = GlobalLock(drop);
+    const bool ok = p && lx::IsWellFormedDropList(static_cast<const uint8_t*>(p), GlobalSize(drop));
+    GlobalUnlock(drop);
+    return ok;
+}
+
 // Reads the request named by the command line and hands its drop list to the tool; the
-// list is freed here whatever happened, never by the worker.
+// list is freed here whatever happened, never by the worker. A list whose names would run
+// off its block counts as no list: the shell's readers would walk past it.
 template <typename Worker>
 int RunBatchTool(const wchar_t* keyName, Worker worker) {
     lx::ScopedToolRequest scoped;
-    if (lx::ReadToolRequest(scoped.request, keyName) && scoped.request.drop)
+    if (lx::ReadToolRequest(scoped.request, keyName) && scoped.request.drop && DropIsWellFormed(scoped.request.drop))
         worker(scoped.request);
     return 0;
-}
-
-std::wstring Unquoted(std::wstring text) {
-    text.resize(std::min(text.size(), lx::kPathChars - 1));
-    text.push_back(L'\0');
-    PathUnquoteSpacesW(text.data());
-    text.resize(wcslen(text.c_str()));
-    return text;
 }
 
 }  // namespace
@@ -105,12 +104,11 @@ LX_EXPORT int WINAPI pxfRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
 }
 
 LX_EXPORT int WINAPI imgRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
-    const std::wstring path = Unquoted(lx::SkipLeadingOptions(commandLine ? commandLine : L""));
-    return lx::RunFrameTool(path, showCmd, lx::FrameMode::Viewer);
+    return lx::RunFrameTool(lx::ViewerPathFromCommandLine(commandLine), showCmd, lx::FrameMode::Viewer);
 }
 
 LX_EXPORT int WINAPI slideRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
-    return lx::RunSlideShowTool(Unquoted(commandLine ? commandLine : L""), showCmd);
+    return lx::RunSlideShowTool(lx::UnquotedPath(commandLine), showCmd);
 }
 
 // Eight-bit variants.

@@ -2,9 +2,12 @@
 
 #include <objidl.h>  // gdiplus.h needs it under WIN32_LEAN_AND_MEAN
 #include <gdiplus.h>
+#include <shlwapi.h>
 
 #include <algorithm>
 #include <mutex>
+
+#include "CommandLine.h"
 
 namespace lx {
 namespace {
@@ -82,6 +85,20 @@ MessageLoop* CurrentMessageLoop() {
     for (auto it = g_loops.rbegin(); it != g_loops.rend(); ++it)
         if (it->threadId == thread) return it->loop;
     return nullptr;
+}
+
+std::wstring UnquotedPath(const wchar_t* commandLine) {
+    std::wstring text = commandLine ? commandLine : L"";
+    text.resize(std::min(text.size(), kPathChars - 1));
+    text.push_back(L'\0');
+    PathUnquoteSpacesW(text.data());
+    text.resize(wcslen(text.c_str()));
+    return text;
+}
+
+std::wstring ViewerPathFromCommandLine(const wchar_t* commandLine) {
+    const std::wstring rest = SkipLeadingOptions(commandLine ? commandLine : L"");
+    return UnquotedPath(rest.c_str());
 }
 
 int RunFrameTool(const std::wstring& commandLine, int showCmd, FrameMode mode) {

@@ -43,6 +43,12 @@ private:
 // The loop registered for the calling thread, or null.
 MessageLoop* CurrentMessageLoop();
 
+// The path that imgRunW hands to the viewer: leading options skipped, cut to a path buffer,
+// enclosing quotes removed (PathUnquoteSpacesW).
+std::wstring ViewerPathFromCommandLine(const wchar_t* commandLine);
+// A command line as one path: cut to a path buffer, enclosing quotes removed.
+std::wstring UnquotedPath(const wchar_t* commandLine);
+
 int RunFrameTool(const std::wstring& commandLine, int showCmd, FrameMode mode);
 int RunSlideShowTool(const std::wstring& path, int showCmd);
 

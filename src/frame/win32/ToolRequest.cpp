@@ -22,8 +22,10 @@ std::wstring ReadPath(HKEY key) {
         return {};
     if (type != REG_SZ && type != REG_EXPAND_SZ) return {};
     if (size == 0) return {};
-    // Only an even-length value whose last wide character is NUL is a string we can trust.
-    if (size % sizeof(wchar_t) != 0 || buffer[size / sizeof(wchar_t) - 1] != L'\0') return {};
+    // Only an even-length value whose last wide character is NUL is a string we can trust,
+    // and one that fills the whole buffer leaves no room for a path of 520 characters.
+    if (size >= kPathBufferBytes || size % sizeof(wchar_t) != 0 || buffer[size / sizeof(wchar_t) - 1] != L'\0')
+        return {};
     return std::wstring(buffer);  // up to the first NUL
 }
 
