@@ -1,0 +1,165 @@
+#include "JpegPdfJob.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "PdfTestSupport.h"
+#include "TestFiles.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Records what the run tells its starter.
+class RecordingSink : public lx::ToolSink {
+public:
+    void StartProgress(const std::wstring& title, const std::wstring& firstLine) override {
+        events.push_back(L"start " + title + L" | " + firstLine);
+    }
+    void SetLine(int line, const std::wstring& text, bool compactPath) override {
+        events.push_back(L"line" + std::to_wstring(line) + (compactPath ? L" compact " : L" ") + text);
+    }
+    void SetProgress(uint64_t, uint64_t) override { events.push_back(L"progress"); }
+    bool Cancelled() override {
+        ++cancelQueries;
+        return true;  // the user asked to stop at once: the tool must not care
+    }
+    void EndProgress() override { events.push_back(L"end"); }
+    int Message(unsigned textId, const std::wstring& argument, unsigned flags) override {
+        messages.push_back({textId, flags});
+        EXPECT_TRUE(argument.empty());
+        return lx::kIdOk;
+    }
+    std::vector<std::wstring> events;
+    std::vector<std::pair<unsigned, unsigned>> messages;
+    int cancelQueries = 0;
+};
+
+lx::JpegPdfJob MakeJob(const fs::path& output) {
+    lx::JpegPdfJob job;
+    job.output = output;
+    job.progressTitle = L"T";
+    job.progressLine = L"L";
+    return job;
+}
+
+// Stands in for the codec library's probe: JPEG exactly for names ending in ".jpg".
+int ProbeByName(const fs::path& p) { return p.extension() == ".jpg" ? lx::kJpegImageType : 1; }
+
+TEST(JpegPdfJob, CountLimitsAreNoneAndMoreThan256) {
+    EXPECT_EQ(lx::JpegCountMessage(0), 4140u);
+    EXPECT_EQ(lx::JpegCountMessage(1), 0u);
+    EXPECT_EQ(lx::JpegCountMessage(256), 0u);
+    EXPECT_EQ(lx::JpegCountMessage(257), 4143u);
+    EXPECT_EQ(lx::JpegCountMessage(100000), 4143u);
+}
+
+TEST(JpegPdfJob, PdfExtensionIsAppendedUnlessAlreadyThereInAnyCase) {
+    const std::map<std::wstring, std::wstring> cases = {
+        {L"album", L"album.pdf"},
+        {L"album.jpg", L"album.jpg.pdf"},
+        {L"out.PDF", L"out.PDF"},
+        {L"out.Pdf", L"out.Pdf"},
+        {L"out.pdf.txt", L"out.pdf.txt.pdf"},
+        {L"out.pdfx", L"out.pdfx.pdf"},
+        {L"out.", L"out..pdf"},
+        {L".pdf", L".pdf"},
+        {L"C:\\docs.pdf\\album", L"C:\\docs.pdf\\album.pdf"},
+        {L"C:\\d\\x.pdf", L"C:\\d\\x.pdf"},
+        {L"/tmp/v1.2/out", L"/tmp/v1.2/out.pdf"},
+    };
+    for (const auto& [in, out] : cases) EXPECT_EQ(lx::WithPdfExtension(in), out);
+}
+
+TEST(JpegPdfJob, KeepsOnlyProbedJpegsInListOrder) {
+    const std::vector<fs::path> files = {"z.jpg", "b.png", "a.jpg", "c.gif", "m.jpg"};
+    const auto kept = lx::KeepJpegFiles(files, ProbeByName);
+    EXPECT_EQ(kept, (std::vector<fs::path>{"z.jpg", "a.jpg", "m.jpg"}));
+}
+
+TEST(JpegPdfJob, NoJpegShowsMessage4140AndWritesNothing) {
+    lxtest::ScratchDir dir("jobnone");
+    RecordingSink sink;
+    const auto result = lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), {dir / "a.png", dir / "b.bmp"}, ProbeByName, sink);
+    EXPECT_EQ(result, lx::JpegPdfResult::kRefused);
+    ASSERT_EQ(sink.messages.size(), 1u);
+    EXPECT_EQ(sink.messages[0], std::make_pair(4140u, unsigned(lx::kMbIconError)));
+    EXPECT_TRUE(sink.events.empty());
+    EXPECT_FALSE(fs::exists(dir / "o.pdf"));
+}
+
+TEST(JpegPdfJob, Over256JpegsRefusesTheWholeRun) {
+    lxtest::ScratchDir dir("job257");
+    const fs::path jpg = pdftest::MakeJpeg(dir.path(), "s.jpg", 8, 8);
+    std::vector<fs::path> files(257, jpg);
+    files.insert(files.begin() + 3, dir / "not.png");
+
+    RecordingSink refused;
+    EXPECT_EQ(lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), files, ProbeByName, refused), lx::JpegPdfResult::kRefused);
+    ASSERT_EQ(refused.messages.size(), 1u);
+    EXPECT_EQ(refused.messages[0], std::make_pair(4143u, unsigned(lx::kMbIconError)));
+    EXPECT_FALSE(fs::exists(dir / "o.pdf"));
+
+    files.pop_back();  // 256 JPEG files and one other
+    RecordingSink accepted;
+    EXPECT_EQ(lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), files, ProbeByName, accepted), lx::JpegPdfResult::kWritten);
+    EXPECT_TRUE(accepted.messages.empty());
+    EXPECT_NE(pdftest::ReadText(dir / "o.pdf").find("/Count 256>>"), std::string::npos);
+}
+
+TEST(JpegPdfJob, ReportsEachFileNameOnLineTwoAndNeverAsksAboutCancelling) {
+    lxtest::ScratchDir dir("jobprogress");
+    const fs::path a = pdftest::MakeJpeg(dir.path(), "first.jpg", 16, 8);
+    const fs::path b = pdftest::MakeJpeg(dir.path(), "second.jpg", 8, 16, "-arithmetic");
+    RecordingSink sink;
+    EXPECT_EQ(lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), {a, b}, ProbeByName, sink), lx::JpegPdfResult::kWritten);
+    EXPECT_EQ(sink.events, (std::vector<std::wstring>{L"start T | L", L"line2 first.jpg", L"line2 second.jpg", L"end"}));
+    EXPECT_EQ(sink.cancelQueries, 0);
+    // The arithmetic-coded file passed the probe but has no page.
+    EXPECT_NE(pdftest::ReadText(dir / "o.pdf").find("/Kids [3 0 R] /Count 1>>"), std::string::npos);
+}
+
+TEST(JpegPdfJob, OutputThatCannotBeCreatedWritesNothing) {
+    lxtest::ScratchDir dir("jobnoout");
+    const fs::path a = pdftest::MakeJpeg(dir.path(), "a.jpg", 16, 8);
+    RecordingSink sink;
+    const auto result = lx::RunJpegPdfTool(MakeJob(dir / "no-such-folder" / "o.pdf"), {a}, ProbeByName, sink);
+    EXPECT_EQ(result, lx::JpegPdfResult::kNotCreated);
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(sink.events.back(), L"end");
+}
+
+TEST(JpegPdfJob, ReplacesAnExistingOutputFile) {
+    lxtest::ScratchDir dir("jobreplace");
+    const fs::path a = pdftest::MakeJpeg(dir.path(), "a.jpg", 16, 8);
+    lxtest::WriteFile(dir / "o.pdf", std::string(100000, 'x'));
+    RecordingSink sink;
+    ASSERT_EQ(lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), {a}, ProbeByName, sink), lx::JpegPdfResult::kWritten);
+    const std::string pdf = pdftest::ReadText(dir / "o.pdf");
+    EXPECT_EQ(pdf.find('x' + std::string(50, 'x')), std::string::npos);
+    EXPECT_EQ(pdf.substr(pdf.size() - 7), "%%EOF\r\n");
+    pdftest::ExpectQpdfAccepts(dir / "o.pdf");
+}
+
+TEST(JpegPdfJob, FileVanishingBeforeTheCopyLeavesATruncatedDocument) {
+    lxtest::ScratchDir dir("jobtrunc");
+    const fs::path a = pdftest::MakeJpeg(dir.path(), "a.jpg", 16, 8);
+    const fs::path b = pdftest::MakeJpeg(dir.path(), "b.jpg", 16, 8);
+    lx::JpegPdfJob job = MakeJob(dir / "o.pdf");
+    // Removes the second file the moment the output is created: after composing, before copying.
+    job.createOutput = [&](const fs::path& out) {
+        fs::remove(b);
+        return lx::CreateFileByteSink(out);
+    };
+    RecordingSink sink;
+    EXPECT_EQ(lx::RunJpegPdfTool(job, {a, b}, ProbeByName, sink), lx::JpegPdfResult::kTruncated);
+    const std::string pdf = pdftest::ReadText(dir / "o.pdf");
+    EXPECT_EQ(pdf.substr(pdf.size() - 12), ">>\r\nstream\r\n");
+    EXPECT_EQ(pdf.find("trailer"), std::string::npos);
+    EXPECT_TRUE(sink.messages.empty());
+}
+
+}  // namespace
