@@ -13,6 +13,9 @@
 #include <shlobj.h>
 #include <shlwapi.h>
 
+#include <fcntl.h>
+#include <io.h>
+
 #include <cstring>
 #include <string>
 #include <vector>
@@ -167,6 +170,9 @@ int RunThroughDll(const Options& options) {
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
+    // Plain line feeds: scripts on both sides of Wine read this output.
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
     if (argc < 2) return Usage();
     const std::wstring toolName = argv[1];
     std::vector<std::wstring> rest(argv + 2, argv + argc);
