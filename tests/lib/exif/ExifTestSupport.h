@@ -1,0 +1,182 @@
+// Test support for the Exif reader: a small TIFF structure builder (either byte order,
+// any magic number) for crafted files, and wrappers around the outside tools that make
+// and check real files (ImageMagick's convert, exiftool).
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "TestFiles.h"
+
+namespace lxtest {
+
+using Bytes = std::vector<uint8_t>;
+
+// Lays out IFDs, their out-of-line values and data blobs after an 8-byte header. IFD 0
+// is the first IFD; offsets count from the header, as in an Exif segment.
+class TiffBuilder {
+public:
+    explicit TiffBuilder(bool bigEndian = false, uint16_t magic = 42) : big_(bigEndian), magic_(magic) {}
+
+    int addIfd() {
+        ifds_.emplace_back();
+        return static_cast<int>(ifds_.size() - 1);
+    }
+    int addBlob(Bytes bytes) {
+        blobs_.push_back(std::move(bytes));
+        return static_cast<int>(blobs_.size() - 1);
+    }
+    // The IFD that follows `ifd` in its chain (any index, so a test can make a loop).
+    void chain(int ifd, int next) { ifds_[ifd].next = next; }
+
+    void add(int ifd, uint16_t tag, uint16_t type, uint32_t count, Bytes value) {
+        ifds_[ifd].entries.push_back({tag, type, count, std::move(value), -1, -1});
+    }
+    void addShort(int ifd, uint16_t tag, uint16_t v) { add(ifd, tag, 3, 1, u16(v)); }
+    void addLong(int ifd, uint16_t tag, uint32_t v) { add(ifd, tag, 4, 1, u32(v)); }
+    void addShorts(int ifd, uint16_t tag, const std::vector<uint16_t>& vs) {
+        Bytes b;
+        for (uint16_t v : vs) append(b, u16(v));
+        add(ifd, tag, 3, static_cast<uint32_t>(vs.size()), b);
+    }
+    void addAscii(int ifd, uint16_t tag, const std::string& text) {
+        Bytes b(text.begin(), text.end());
+        b.push_back(0);
+        add(ifd, tag, 2, static_cast<uint32_t>(b.size()), b);
+    }
+    void addRationals(int ifd, uint16_t tag, const std::vector<std::pair<uint32_t, uint32_t>>& rs) {
+        Bytes b;
+        for (auto [n, d] : rs) append(b, u32(n)), append(b, u32(d));
+        add(ifd, tag, 5, static_cast<uint32_t>(rs.size()), b);
+    }
+    // A LONG holding the offset of another IFD (Exif, GPS, SubIFD pointers).
+    void addIfdPointer(int ifd, uint16_t tag, int child) {
+        ifds_[ifd].entries.push_back({tag, 4, 1, {}, child, -1});
+    }
+    // A LONG holding the offset of a blob, and one holding its length.
+    void addBlobOffset(int ifd, uint16_t tag, int blob) { ifds_[ifd].entries.push_back({tag, 4, 1, {}, -1, blob}); }
+    void addBlobLength(int ifd, uint16_t tag, int blob) {
+        addLong(ifd, tag, static_cast<uint32_t>(blobs_[blob].size()));
+    }
+
+    Bytes build() const;
+
+    Bytes u16(uint16_t v) const {
+        return big_ ? Bytes{uint8_t(v >> 8), uint8_t(v)} : Bytes{uint8_t(v), uint8_t(v >> 8)};
+    }
+    Bytes u32(uint32_t v) const {
+        return big_ ? Bytes{uint8_t(v >> 24), uint8_t(v >> 16), uint8_t(v >> 8), uint8_t(v)}
+                    : Bytes{uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)};
+    }
+    static void append(Bytes& to, const Bytes& from) { to.insert(to.end(), from.begin(), from.end()); }
+
+private:
+    struct Entry {
+        uint16_t tag, type;
+        uint32_t count;
+        Bytes value;
+        int ifdRef, blobRef;
+    };
+    struct Ifd {
+        std::vector<Entry> entries;
+        int next = -1;
+    };
+    bool big_;
+    uint16_t magic_;
+    std::vector<Ifd> ifds_;
+    std::vector<Bytes> blobs_;
+};
+
+inline Bytes TiffBuilder::build() const {
+    // First pass: where every IFD, out-of-line value and blob goes.
+    std::vector<uint32_t> ifdAt(ifds_.size());
+    uint32_t at = 8;
+    for (size_t i = 0; i < ifds_.size(); ++i) {
+        ifdAt[i] = at;
+        at += 2 + 12 * static_cast<uint32_t>(ifds_[i].entries.size()) + 4;
+    }
+    std::vector<std::vector<uint32_t>> valueAt(ifds_.size());
+    for (size_t i = 0; i < ifds_.size(); ++i)
+        for (const Entry& e : ifds_[i].entries) {
+            valueAt[i].push_back(at);
+            if (e.value.size() > 4) at += static_cast<uint32_t>(e.value.size() + (e.value.size() & 1));
+        }
+    std::vector<uint32_t> blobAt;
+    for (const Bytes& b : blobs_) {
+        blobAt.push_back(at);
+        at += static_cast<uint32_t>(b.size());
+    }
+    Bytes out = big_ ? Bytes{'M', 'M'} : Bytes{'I', 'I'};
+    append(out, u16(magic_));
+    append(out, u32(ifds_.empty() ? 0 : ifdAt[0]));
+    for (size_t i = 0; i < ifds_.size(); ++i) {
+        append(out, u16(static_cast<uint16_t>(ifds_[i].entries.size())));
+        for (size_t k = 0; k < ifds_[i].entries.size(); ++k) {
+            const Entry& e = ifds_[i].entries[k];
+            append(out, u16(e.tag));
+            append(out, u16(e.type));
+            append(out, u32(e.count));
+            Bytes field = e.ifdRef >= 0 ? u32(ifdAt[e.ifdRef]) : e.blobRef >= 0 ? u32(blobAt[e.blobRef]) : e.value;
+            if (field.size() > 4) field = u32(valueAt[i][k]);
+            field.resize(4, 0);
+            append(out, field);
+        }
+        append(out, u32(ifds_[i].next >= 0 ? ifdAt[ifds_[i].next] : 0));
+    }
+    for (size_t i = 0; i < ifds_.size(); ++i)
+        for (const Entry& e : ifds_[i].entries)
+            if (e.value.size() > 4) {
+                append(out, e.value);
+                if (e.value.size() & 1) out.push_back(0);
+            }
+    for (const Bytes& b : blobs_) append(out, b);
+    return out;
+}
+
+// A JPEG file image holding `tiff` as its Exif APP1 segment, then a tiny real picture.
+inline Bytes JpegWithExif(const Bytes& tiff, const Bytes& picture) {
+    Bytes out{0xFF, 0xD8, 0xFF, 0xE1};
+    const size_t length = tiff.size() + 8;
+    out.push_back(uint8_t(length >> 8));
+    out.push_back(uint8_t(length));
+    const char id[] = {'E', 'x', 'i', 'f', 0, 0};
+    out.insert(out.end(), id, id + 6);
+    TiffBuilder::append(out, tiff);
+    // The picture without its own start-of-image marker.
+    out.insert(out.end(), picture.begin() + 2, picture.end());
+    return out;
+}
+
+// Output of a shell command, trailing newline removed.
+inline std::string Capture(const std::string& command, const std::filesystem::path& scratch) {
+    const auto out = scratch / "capture.txt";
+    Run(command + " > '" + out.string() + "' 2>/dev/null");
+    Bytes b = ReadFile(out);
+    std::string s(b.begin(), b.end());
+    while (!s.empty() && (s.back() == '\n' || s.back() == '\r')) s.pop_back();
+    return s;
+}
+
+// A JPEG picture made by ImageMagick (a solid colour, `width` x `height`).
+inline Bytes MakeJpeg(const std::filesystem::path& scratch, int width, int height, const std::string& colour = "red") {
+    const auto file = scratch / ("pic" + std::to_string(width) + "x" + std::to_string(height) + ".jpg");
+    Run("convert -size " + std::to_string(width) + "x" + std::to_string(height) + " xc:" + colour + " '" +
+        file.string() + "'");
+    return ReadFile(file);
+}
+
+// Runs exiftool over a file in place with the given tag assignments.
+inline int ExifTool(const std::string& args, const std::filesystem::path& file) {
+    return Run("exiftool -q -q -m -overwrite_original " + args + " '" + file.string() + "' >/dev/null 2>&1");
+}
+
+// One tag's value as exiftool prints it (`numeric` adds -n).
+inline std::string ExifToolValue(const std::string& tag, const std::filesystem::path& file,
+                                 const std::filesystem::path& scratch, bool numeric) {
+    return Capture(std::string("exiftool -s3 ") + (numeric ? "-n " : "") + "-" + tag + " '" + file.string() + "'",
+                   scratch);
+}
+
+}  // namespace lxtest
