@@ -1,0 +1,161 @@
+#include <gtest/gtest.h>
+
+#include "MifTestImages.h"
+#include "mif.h"
+
+using lx::mif;
+using lx::MifRect;
+using lx::PackedDib;
+using namespace miftest;
+
+class MifGeometry : public ::testing::TestWithParam<Format> {};
+
+TEST_P(MifGeometry, RotateLeftThenRightRestoresExactly) {
+    for (auto [w, h] : {std::pair{7, 5}, {1, 1}, {1, 9}, {33, 2}}) {
+        const PackedDib original = Pattern(w, h, GetParam());
+        mif image(original);
+        ASSERT_TRUE(image.rotate(1));
+        EXPECT_EQ(image.width(), h);
+        EXPECT_EQ(image.height(), w);
+        EXPECT_TRUE(WellFormed(image.dib()));
+        ASSERT_TRUE(image.rotate(0));
+        EXPECT_EQ(image.dib().bytes(), original.bytes()) << w << "x" << h;
+        ASSERT_TRUE(image.rotate(2));
+        ASSERT_TRUE(image.rotate(2));
+        EXPECT_EQ(image.dib().bytes(), original.bytes());
+    }
+}
+
+TEST_P(MifGeometry, RotateMovesCornersTheRightWay) {
+    const PackedDib original = Pattern(5, 3, GetParam());
+    mif right(original), left(original), half(original);
+    ASSERT_TRUE(right.rotate(0));
+    ASSERT_TRUE(left.rotate(1));
+    ASSERT_TRUE(half.rotate(2));
+    for (int y = 0; y < 3; ++y)
+        for (int x = 0; x < 5; ++x) {
+            const uint32_t c = original.pixel(x, y);
+            EXPECT_EQ(right.dib().pixel(3 - 1 - y, x), c);  // clockwise: top row becomes right column
+            EXPECT_EQ(left.dib().pixel(y, 5 - 1 - x), c);   // counter-clockwise: top row becomes left column
+            EXPECT_EQ(half.dib().pixel(5 - 1 - x, 3 - 1 - y), c);
+        }
+    EXPECT_FALSE(half.rotate(3));
+    EXPECT_FALSE(half.rotate(-1));
+}
+
+TEST_P(MifGeometry, FlipAndMirrorTwiceRestoreAndStayInTheirRectangle) {
+    const PackedDib original = Pattern(11, 7, GetParam());
+    mif image(original);
+    ASSERT_TRUE(image.mirror(0, 0, 0, 0));
+    EXPECT_EQ(image.dib().pixel(0, 3), original.pixel(10, 3));
+    ASSERT_TRUE(image.mirror(0, 0, 0, 0));
+    ASSERT_TRUE(image.flip(0, 0, 0, 0));
+    EXPECT_EQ(image.dib().pixel(4, 0), original.pixel(4, 6));
+    ASSERT_TRUE(image.flip(0, 0, 0, 0));
+    EXPECT_EQ(image.dib().bytes(), original.bytes());
+
+    // Inside a rectangle of odd size, partly outside the image: only its pixels move.
+    ASSERT_TRUE(image.mirror(3, 2, 5, 9));
+    ASSERT_TRUE(image.flip(3, 2, 5, 9));
+    for (int y = 0; y < 7; ++y)
+        for (int x = 0; x < 11; ++x) {
+            const bool inside = x >= 3 && x < 8 && y >= 2;
+            const uint32_t expected = inside ? original.pixel(3 + 7 - x, 2 + 6 - y) : original.pixel(x, y);
+            ASSERT_EQ(image.dib().pixel(x, y), expected) << x << "," << y;
+        }
+    ASSERT_TRUE(image.flip(3, 2, 5, 9));
+    ASSERT_TRUE(image.mirror(3, 2, 5, 9));
+    EXPECT_EQ(image.dib().bytes(), original.bytes());
+
+    EXPECT_FALSE(image.mirror(20, 0, 3, 3));  // entirely outside
+    EXPECT_FALSE(image.flip(2, 2, -1, 3));    // negative size
+    EXPECT_EQ(image.dib().bytes(), original.bytes());
+}
+
+TEST_P(MifGeometry, CropThenBltBackRestores) {
+    const PackedDib original = Pattern(13, 9, GetParam());
+    mif piece(original);
+    const MifRect rect{3, 2, 10, 7};
+    ASSERT_TRUE(piece.crop(&rect));
+    EXPECT_EQ(piece.width(), 7);
+    EXPECT_EQ(piece.height(), 5);
+    EXPECT_EQ(piece.dib().compression(), original.compression());
+    EXPECT_TRUE(WellFormed(piece.dib()));
+
+    mif whole(original);
+    ASSERT_TRUE(whole.solidfill(&rect, 0x000000, 255, 0));  // wipe the area first
+    ASSERT_TRUE(whole.blt(3, 2, 7, 5, &piece, 0, 0));
+    EXPECT_EQ(whole.dib().bytes(), original.bytes());
+}
+
+TEST_P(MifGeometry, CropClipsOrRefuses) {
+    const PackedDib original = Pattern(6, 4, GetParam());
+    mif image(original);
+    const MifRect outside{6, 0, 9, 4}, inverted{4, 3, 2, 1}, huge{-100, -100, 100, 100};
+    EXPECT_FALSE(image.crop(&outside));
+    EXPECT_FALSE(image.crop(&inverted));
+    EXPECT_EQ(image.dib().bytes(), original.bytes());
+    ASSERT_TRUE(image.crop(&huge));
+    EXPECT_EQ(image.dib().bytes(), original.bytes());
+    const MifRect corner{5, 3, 50, 50};
+    ASSERT_TRUE(image.crop(&corner));
+    EXPECT_EQ(image.width(), 1);
+    EXPECT_EQ(image.height(), 1);
+    EXPECT_EQ(image.dib().pixel(0, 0), original.pixel(5, 3));
+}
+
+TEST_P(MifGeometry, ZoomNearDoublesAndHalvesBack) {
+    const PackedDib original = Pattern(7, 5, GetParam());
+    mif image(original);
+    ASSERT_TRUE(image.zoom_near(14, 10));
+    EXPECT_EQ(image.depth(), GetParam().bits);
+    EXPECT_EQ(image.dib().pixel(13, 9), original.pixel(6, 4));
+    EXPECT_EQ(image.dib().pixel(2, 3), original.pixel(1, 1));
+    ASSERT_TRUE(image.zoom_near(7, 5));
+    EXPECT_EQ(image.dib().bytes(), original.bytes());
+    EXPECT_FALSE(image.zoom_near(0, 5));
+}
+
+TEST_P(MifGeometry, BltClipsAtEveryEdge) {
+    const PackedDib original = Pattern(8, 6, GetParam());
+    const mif source(Pattern(5, 5, GetParam()));
+    mif image(original);
+    // Hanging over the top-left corner: source pixel (2,3) lands on (0,0).
+    ASSERT_TRUE(image.blt(-2, -3, 5, 5, &source, 0, 0));
+    EXPECT_EQ(image.dib().pixel(0, 0), source.dib().pixel(2, 3));
+    EXPECT_EQ(image.dib().pixel(2, 1), source.dib().pixel(4, 4));
+    EXPECT_EQ(image.dib().pixel(3, 0), original.pixel(3, 0));
+    // Hanging over the bottom-right, with a source position past the source's own edge.
+    ASSERT_TRUE(image.blt(6, 4, 10, 10, &source, 3, 3));
+    EXPECT_EQ(image.dib().pixel(7, 5), source.dib().pixel(4, 4));
+    EXPECT_FALSE(image.blt(8, 0, 2, 2, &source, 0, 0));
+    EXPECT_FALSE(image.blt(0, 0, 2, 2, &source, 5, 0));
+    EXPECT_FALSE(image.blt(0, 0, 2, 2, nullptr, 0, 0));
+    EXPECT_TRUE(WellFormed(image.dib()));
+}
+
+TEST_P(MifGeometry, BltFromItselfReadsThePixelsAsTheyWere) {
+    const PackedDib original = Pattern(9, 4, GetParam());
+    mif image(original);
+    ASSERT_TRUE(image.blt(1, 0, 8, 4, &image, 0, 0));  // overlapping shift right
+    for (int y = 0; y < 4; ++y)
+        for (int x = 1; x < 9; ++x) ASSERT_EQ(image.dib().pixel(x, y), original.pixel(x - 1, y));
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryFormat, MifGeometry, ::testing::ValuesIn(AllFormats()),
+                         [](const auto& info) { return "bits" + info.param.name(); });
+
+TEST(MifGeometryAcrossFormats, BltConvertsColoursBetweenFormats) {
+    const mif source(Pattern(4, 3, {24, false}));
+    mif grey(4, 3, 8);  // 256 grey levels
+    ASSERT_TRUE(grey.blt(0, 0, 4, 3, &source, 0, 0));
+    for (int x = 0; x < 4; ++x) {
+        const uint32_t c = source.dib().pixel(x, 1), g = grey.dib().pixel(x, 1);
+        // The nearest grey is within a few levels of each channel's reach.
+        EXPECT_LE(std::abs(static_cast<int>(g & 0xff) - static_cast<int>((((c >> 16) & 0xff) + ((c >> 8) & 0xff) + (c & 0xff)) / 3)), 2);
+    }
+    mif deep(4, 3, 32);
+    ASSERT_TRUE(deep.blt(0, 0, 4, 3, &source, 0, 0));
+    EXPECT_TRUE(SameColours(deep.dib(), source.dib()));
+    EXPECT_EQ(deep.dib().pixel(2, 2) >> 24, 0xffu);  // opaque
+}

@@ -1,0 +1,148 @@
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "MifTestImages.h"
+#include "mif.h"
+
+using lx::mif;
+using lx::MifRect;
+using lx::PackedDib;
+using namespace miftest;
+
+TEST(MifLifetime, ConstructAttachCopyDestroy) {
+    const PackedDib original = Pattern(5, 3, {24, false});
+    mif copy(original);
+    EXPECT_EQ(copy.createdib().bytes(), original.bytes());
+
+    mif taken;
+    EXPECT_TRUE(taken.empty());
+    EXPECT_EQ(taken.width(), 0);
+    EXPECT_TRUE(taken.createdib().empty());
+    PackedDib moved = original;
+    ASSERT_TRUE(taken.attachdib(std::move(moved)));
+    EXPECT_EQ(taken.width(), 5);
+    EXPECT_EQ(taken.height(), 3);
+    EXPECT_FALSE(taken.attachdib(PackedDib{}));
+    EXPECT_EQ(taken.width(), 5);  // a refused attach keeps the image
+    taken.destroy();
+    EXPECT_TRUE(taken.empty());
+
+    const mif made(4, 2, 8);
+    EXPECT_EQ(made.depth(), 8);
+    EXPECT_EQ(made.palette().size(), 256u);
+    EXPECT_TRUE(mif(0, 2, 24).empty());
+    EXPECT_TRUE(mif(2, 2, 12).empty());
+}
+
+TEST(MifLifetime, EveryOperationOnAnEmptyImageFails) {
+    mif none;
+    const MifRect r{0, 0, 1, 1};
+    EXPECT_FALSE(none.crop(&r));
+    EXPECT_FALSE(none.zoom(2, 2, 10, 0));
+    EXPECT_FALSE(none.rotate(0));
+    EXPECT_FALSE(none.flip(0, 0, 0, 0));
+    EXPECT_FALSE(none.grayscale());
+    EXPECT_FALSE(none.normalize(nullptr));
+    EXPECT_FALSE(none.quantize(16, 0, nullptr));
+    EXPECT_EQ(none.countcolors(), 0);
+    EXPECT_FALSE(none.blur_gauss_rle(nullptr, 2));
+    EXPECT_FALSE(none.solidfill(nullptr, 0, 255, 0));
+    EXPECT_FALSE(none.settoalpha());
+    EXPECT_FALSE(none.setdepth(24));
+    EXPECT_FALSE(none.validaterect(nullptr, nullptr));
+}
+
+TEST(MifLifetime, ValidateRectClipsToTheImage) {
+    const mif image(10, 6, 24);
+    MifRect out;
+    ASSERT_TRUE(image.validaterect(nullptr, &out));
+    EXPECT_EQ(out.right, 10);
+    EXPECT_EQ(out.bottom, 6);
+    const MifRect over{-5, 2, 50, 4};
+    ASSERT_TRUE(image.validaterect(&over, &out));
+    EXPECT_EQ(out.left, 0);
+    EXPECT_EQ(out.top, 2);
+    EXPECT_EQ(out.right, 10);
+    EXPECT_EQ(out.bottom, 4);
+    const MifRect empty{3, 3, 3, 5}, beyond{10, 0, 12, 6}, extreme{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
+    EXPECT_FALSE(image.validaterect(&empty, &out));
+    EXPECT_EQ(out.right, 0);
+    EXPECT_FALSE(image.validaterect(&beyond, &out));
+    EXPECT_TRUE(image.validaterect(&extreme, &out));
+}
+
+TEST(MifLifetime, PaletteAllocationAndReplacement) {
+    mif image(Pattern(6, 2, {4, false}));
+    const std::vector<lx::Rgbq> before(image.palette().begin(), image.palette().end());
+    ASSERT_TRUE(image.alloccmap(4));
+    ASSERT_EQ(image.palette().size(), 4u);
+    EXPECT_EQ(image.palette()[3], before[3]);
+    EXPECT_TRUE(WellFormed(image.dib()));
+    ASSERT_TRUE(image.alloccmap(16));
+    EXPECT_EQ(image.palette()[10], lx::Rgbq{});  // new entries are black
+    EXPECT_FALSE(image.alloccmap(17));
+    EXPECT_FALSE(image.alloccmap(0));
+
+    const std::vector<lx::Rgbq> red(2, lx::Rgbq{0, 0, 255, 0});
+    ASSERT_TRUE(image.replace_palette(red));
+    EXPECT_EQ(image.palette().size(), 2u);
+    EXPECT_EQ(image.dib().pixel(0, 0) & 0xffffff, image.dib().bitCount() == 4 && (image.dib().row(0)[0] >> 4) < 2 ? 0xff0000u : 0u);
+    EXPECT_FALSE(image.replace_palette(std::vector<lx::Rgbq>(17)));
+    mif deep(2, 2, 24);
+    EXPECT_FALSE(deep.alloccmap(2));
+    EXPECT_FALSE(deep.replace_palette(red));
+}
+
+class MifDepth : public ::testing::TestWithParam<Format> {};
+
+TEST_P(MifDepth, SetDepthKeepsThePictureWhereTheTargetCanHoldIt) {
+    const PackedDib original = Pattern(9, 4, GetParam());
+    for (int target : {24, 32}) {
+        mif image(original);
+        ASSERT_TRUE(image.setdepth(target));
+        EXPECT_EQ(image.depth(), target);
+        EXPECT_EQ(image.dib().compression(), lx::kBiRgb);
+        EXPECT_TRUE(SameColours(image.dib(), original)) << target;
+    }
+    mif small(original);
+    ASSERT_TRUE(small.setdepth(16));
+    EXPECT_EQ(small.depth(), 16);
+    for (int x = 0; x < 9; ++x) {
+        const uint32_t a = original.pixel(x, 2), b = small.dib().pixel(x, 2);
+        for (int s = 0; s < 24; s += 8) EXPECT_LE(std::abs(int((a >> s) & 0xff) - int((b >> s) & 0xff)), 5);
+    }
+    for (int target : {1, 4, 8}) {
+        mif image(original);
+        ASSERT_TRUE(image.setdepth(target));
+        EXPECT_EQ(image.depth(), target);
+        EXPECT_LE(image.countcolors(), 1 << target);
+        EXPECT_TRUE(WellFormed(image.dib()));
+    }
+    mif image(original);
+    EXPECT_FALSE(image.setdepth(12));
+}
+
+TEST_P(MifDepth, CountColorsAgreesWithAPlainCount) {
+    for (auto [w, h] : {std::pair{1, 1}, {7, 3}, {40, 30}}) {
+        const PackedDib dib = Pattern(w, h, GetParam());
+        std::set<uint32_t> colours;
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) colours.insert(dib.pixel(x, y) & 0xffffff);
+        EXPECT_EQ(mif(dib).countcolors(), static_cast<int>(colours.size())) << w << "x" << h;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryFormat, MifDepth, ::testing::ValuesIn(AllFormats()),
+                         [](const auto& info) { return "bits" + info.param.name(); });
+
+TEST(MifDepthGrey, GreyImagesStayGreyAtPaletteDepths) {
+    mif image(Pattern(16, 2, {24, false}));
+    ASSERT_TRUE(image.grayscale());
+    ASSERT_TRUE(image.setdepth(4));
+    EXPECT_EQ(image.depth(), 4);
+    EXPECT_TRUE(image.dib().hasGreyPalette());
+    ASSERT_TRUE(image.setdepth(1));
+    EXPECT_TRUE(image.dib().hasGreyPalette());
+    EXPECT_EQ(image.palette()[1], (lx::Rgbq{255, 255, 255, 0}));
+}
