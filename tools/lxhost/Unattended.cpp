@@ -1,17 +1,28 @@
 #include "Unattended.h"
 
+#include <map>
+
 #include "HostConsole.h"
 
 namespace lxhost {
+namespace {
 
-int RunUnattended(const std::wstring& tool, const Args& args) {
-    Print(stderr, L"lxhost: " + tool + L" has no unattended form yet");
-    return 2;
+std::map<std::wstring, UnattendedRunner>& Registry() {
+    static std::map<std::wstring, UnattendedRunner> tools;
+    return tools;
 }
 
-int RunExifReport(const Args& files) {
-    Print(stderr, L"lxhost: the Exif report is not available yet");
-    return 2;
+}  // namespace
+
+UnattendedTool::UnattendedTool(const wchar_t* name, UnattendedRunner runner) { Registry()[name] = runner; }
+
+int RunUnattended(const std::wstring& tool, const Args& args) {
+    const auto it = Registry().find(tool);
+    if (it == Registry().end()) {
+        Print(stderr, L"lxhost: " + tool + L" has no unattended form");
+        return 2;
+    }
+    return it->second(args);
 }
 
 }  // namespace lxhost

@@ -176,7 +176,7 @@ int wmain(int argc, wchar_t** argv) {
     if (argc < 2) return Usage();
     const std::wstring toolName = argv[1];
     std::vector<std::wstring> rest(argv + 2, argv + argc);
-    if (toolName == L"exif") return lxhost::RunExifReport(rest);
+    if (toolName == L"exif") return lxhost::RunUnattended(toolName, rest);
     if (!rest.empty() && rest[0] == L"--unattended") return lxhost::RunUnattended(toolName, {rest.begin() + 1, rest.end()});
 
     Options options;
