@@ -1,0 +1,30 @@
+// Forward DCT and quantisation of one 8x8 block of samples.
+//
+// The transform is the scaled floating-point DCT of Arai, Agui and Nakajima: its outputs
+// carry a known per-coefficient scale, which is folded into the quantisation divisors,
+// so quantising costs one multiply per coefficient. Results are rounded to nearest and
+// written in zigzag order, ready for entropy coding.
+#pragma once
+
+#include "JpegTables.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace lx {
+
+// One quantisation table prepared for the transform: reciprocal divisors and, for each
+// transform output, its place in zigzag order. Both follow the transform's output order.
+struct DctQuantizer {
+    alignas(32) float reciprocal[64];
+    uint8_t zigzagPlace[64];
+};
+
+DctQuantizer MakeDctQuantizer(const QuantTable& table);
+
+// Transforms the 8x8 samples starting at `samples` (rows `stride` bytes apart), levels
+// shifted by -128, and stores the quantised coefficients in zigzag order.
+void ForwardDctQuantize(const uint8_t* samples, ptrdiff_t stride, const DctQuantizer& quantizer,
+                        int16_t* zigzag);
+
+}  // namespace lx

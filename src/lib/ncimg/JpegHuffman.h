@@ -1,0 +1,65 @@
+// Huffman coding for the JPEG encoder: code tables made from a DHT-style description,
+// optimal descriptions built from symbol counts (the procedure of the JPEG standard's
+// annex K.2, codes at most 16 bits long, the all-ones code left unused), and the bit
+// stream that scans are written into.
+//
+// A BitStream holds plain bits without byte stuffing, so that streams written by
+// several threads can be joined at any bit position; AppendStuffed() turns the result
+// into entropy-coded bytes (0xFF followed by 0x00, last byte padded with one-bits).
+#pragma once
+
+#include "JpegTables.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace lx {
+
+struct HuffmanCodes {
+    std::array<uint16_t, 256> code{};
+    std::array<uint8_t, 256> length{};  // 0: the symbol has no code
+};
+
+HuffmanCodes MakeCodes(const HuffmanSpec& spec);
+
+using SymbolCounts = std::array<uint32_t, 256>;
+
+// The optimal table for the counted symbols. Symbols that never occur get no code;
+// when nothing was counted at all the table still holds one code, so it stays valid.
+HuffmanSpec OptimalSpec(const SymbolCounts& counts);
+
+// Number of bits needed for a coefficient magnitude (its JPEG "size" category).
+inline int BitLength(uint32_t magnitude) {
+    return magnitude == 0 ? 0 : 32 - __builtin_clz(magnitude);
+}
+
+class BitStream {
+public:
+    // Appends the low `count` bits of `bits` (count at most 32, higher bits zero).
+    void put(uint32_t bits, int count) {
+        if (count < free_) {
+            free_ -= count;
+            acc_ |= static_cast<uint64_t>(bits) << free_;
+            return;
+        }
+        const int over = count - free_;
+        acc_ |= static_cast<uint64_t>(bits) >> over;
+        words_.push_back(acc_);
+        free_ = 64 - over;
+        acc_ = over ? static_cast<uint64_t>(bits) << free_ : 0;
+    }
+    void append(const BitStream& other);
+    uint64_t bitCount() const { return words_.size() * 64 + (64 - free_); }
+    void reserveBytes(size_t bytes) { words_.reserve(bytes / 8 + 1); }
+    // Writes the bits as entropy-coded segment bytes.
+    void appendStuffed(std::vector<uint8_t>& out) const;
+
+private:
+    std::vector<uint64_t> words_;
+    uint64_t acc_ = 0;
+    int free_ = 64;
+};
+
+}  // namespace lx

@@ -1,0 +1,33 @@
+// Sample preparation for the JPEG encoder: RGB to YCbCr conversion, the optional input
+// smoothing filter, and 2x2 chroma downsampling.
+//
+// Conversion uses the JFIF equations in 16-bit fixed point. Smoothing is the classic
+// filter of the common JPEG tools: each sample keeps weight 1 - 8 * SF and each of its
+// eight neighbours contributes SF, with SF = smoothing / 1024 (smoothing 0..100); when
+// downsampling, the smoothed values are averaged directly in one step. Callers pass the
+// rows above and below (edge rows repeated at the picture's top and bottom); columns
+// beyond either end repeat the edge sample.
+#pragma once
+
+#include <cstdint>
+
+namespace lx {
+
+// Converts `width` pixels (blue, green, red first in each `pixelBytes`-byte pixel) and
+// repeats the last converted sample up to `paddedWidth`.
+void ConvertRowToYcc(const uint8_t* bgr, int pixelBytes, int width, int paddedWidth, uint8_t* y,
+                     uint8_t* cb, uint8_t* cr);
+
+// One full-resolution row of the smoothing filter.
+void SmoothRow(const uint8_t* above, const uint8_t* row, const uint8_t* below, int width,
+               int smoothing, uint8_t* out);
+
+// One output row from two input rows, each output the rounded mean of a 2x2 square.
+// `outWidth` outputs read 2 * outWidth inputs per row.
+void DownsampleRow(const uint8_t* top, const uint8_t* bottom, int outWidth, uint8_t* out);
+
+// As DownsampleRow, of the smoothed input; `above` and `below` border the square rows.
+void SmoothDownsampleRow(const uint8_t* above, const uint8_t* top, const uint8_t* bottom,
+                         const uint8_t* below, int outWidth, int smoothing, uint8_t* out);
+
+}  // namespace lx

@@ -1,0 +1,66 @@
+// Entropy coding of the quantised coefficients of a whole frame: one sequential scan, or
+// the scans of a progressive frame (spectral selection and successive approximation).
+//
+// Each scan can be run twice: once counting the Huffman symbols it would use (to build
+// optimal tables) and once writing bits with the chosen tables.
+#pragma once
+
+#include "JpegHuffman.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace lx {
+
+// One colour component's coefficients, whole MCUs of blocks in raster order, each block
+// 64 coefficients in zigzag order.
+struct JpegComponent {
+    int id = 1;
+    int hSampling = 1, vSampling = 1;
+    int tableIndex = 0;                        // 0 luminance, 1 chrominance tables
+    int widthInBlocks = 0, heightInBlocks = 0;  // blocks covering real samples
+    int blocksAcross = 0, blocksDown = 0;       // padded out to whole MCUs
+    std::vector<int16_t> coefficients;
+
+    int16_t* block(int bx, int by) { return coefficients.data() + (static_cast<size_t>(by) * blocksAcross + bx) * 64; }
+    const int16_t* block(int bx, int by) const {
+        return coefficients.data() + (static_cast<size_t>(by) * blocksAcross + bx) * 64;
+    }
+};
+
+struct JpegFrame {
+    int width = 0, height = 0;
+    int mcusAcross = 0, mcusDown = 0;
+    std::vector<JpegComponent> components;
+};
+
+// Huffman tables by slot: [0] luminance, [1] chrominance.
+struct ScanCodes {
+    HuffmanCodes dc[2];
+    HuffmanCodes ac[2];
+};
+struct ScanCounts {
+    SymbolCounts dc[2]{};
+    SymbolCounts ac[2]{};
+};
+
+// The sequential scan over MCU rows [rowBegin, rowEnd): all components, interleaved when
+// there are several. The DC predictors start from the MCU before rowBegin, so ranges
+// coded separately join up into one scan.
+void CountSequential(const JpegFrame& frame, int rowBegin, int rowEnd, ScanCounts& counts);
+void EncodeSequential(const JpegFrame& frame, int rowBegin, int rowEnd, const ScanCodes& codes, BitStream& out);
+
+// One scan of a progressive frame.
+struct ProgressiveScan {
+    std::vector<int> components;  // indexes into JpegFrame::components
+    int spectralStart = 0, spectralEnd = 0;
+    int bitHigh = 0, bitLow = 0;  // successive approximation: previous and current point transform
+};
+
+// The usual progression: DC first at reduced precision, then bands of AC, then refinements.
+std::vector<ProgressiveScan> StandardProgression(int componentCount);
+
+void CountProgressive(const JpegFrame& frame, const ProgressiveScan& scan, ScanCounts& counts);
+void EncodeProgressive(const JpegFrame& frame, const ProgressiveScan& scan, const ScanCodes& codes, BitStream& out);
+
+}  // namespace lx

@@ -1,0 +1,373 @@
+#include "JpegWriter.h"
+
+#include "JpegDct.h"
+#include "JpegSampling.h"
+#include "JpegScans.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <thread>
+
+namespace lx {
+namespace {
+
+constexpr int kMaxSide = 65535;
+
+// The DIB's rows as blue-green-red pixels or as grey samples, whatever its depth. The
+// common depths are read in place; the others are converted one row at a time.
+class SourceRows {
+public:
+    explicit SourceRows(const PackedDib& dib) : dib_(dib), scratch_(static_cast<size_t>(dib.width()) * 3) {
+        greyOf_.fill(0);
+        const auto palette = dib.palette();
+        for (size_t i = 0; i < palette.size() && i < greyOf_.size(); ++i) greyOf_[i] = palette[i].r;
+    }
+
+    const uint8_t* colour(int y, int& pixelBytes) {
+        if (dib_.bitCount() == 24 || (dib_.bitCount() == 32 && dib_.compression() == kBiRgb)) {
+            pixelBytes = dib_.bitCount() / 8;
+            return dib_.row(y);
+        }
+        pixelBytes = 3;
+        for (int x = 0; x < dib_.width(); ++x) {
+            const uint32_t p = dib_.pixel(x, y);
+            scratch_[3 * x] = static_cast<uint8_t>(p);
+            scratch_[3 * x + 1] = static_cast<uint8_t>(p >> 8);
+            scratch_[3 * x + 2] = static_cast<uint8_t>(p >> 16);
+        }
+        return scratch_.data();
+    }
+
+    // Only for grey-palette images, where every colour's red equals its grey level.
+    const uint8_t* grey(int y) {
+        const uint8_t* row = dib_.row(y);
+        for (int x = 0; x < dib_.width(); ++x)
+            scratch_[x] = dib_.bitCount() == 8 ? greyOf_[row[x]] : static_cast<uint8_t>(dib_.pixel(x, y));
+        return scratch_.data();
+    }
+
+private:
+    const PackedDib& dib_;
+    std::vector<uint8_t> scratch_;
+    std::array<uint8_t, 256> greyOf_;
+};
+
+JpegFrame PlanFrame(int width, int height, bool grey) {
+    auto blocks = [](int samples) { return (samples + 7) / 8; };
+    JpegFrame frame;
+    frame.width = width;
+    frame.height = height;
+    const int mcuSide = grey ? 8 : 16;
+    frame.mcusAcross = (width + mcuSide - 1) / mcuSide;
+    frame.mcusDown = (height + mcuSide - 1) / mcuSide;
+    const int componentCount = grey ? 1 : 3;
+    for (int c = 0; c < componentCount; ++c) {
+        JpegComponent comp;
+        comp.id = c + 1;
+        comp.hSampling = comp.vSampling = (c == 0 && !grey) ? 2 : 1;
+        comp.tableIndex = c == 0 ? 0 : 1;
+        // Chroma of a colour image has half the samples each way, rounded up.
+        const int divisor = grey ? 1 : 2 / comp.hSampling;
+        comp.widthInBlocks = blocks((width + divisor - 1) / divisor);
+        comp.heightInBlocks = blocks((height + divisor - 1) / divisor);
+        comp.blocksAcross = frame.mcusAcross * comp.hSampling;
+        comp.blocksDown = frame.mcusDown * comp.vSampling;
+        comp.coefficients.resize(static_cast<size_t>(comp.blocksAcross) * comp.blocksDown * 64);
+        frame.components.push_back(std::move(comp));
+    }
+    return frame;
+}
+
+// Turns one MCU row of the image at a time into quantised coefficients: conversion to
+// the components, optional smoothing, chroma downsampling, DCT. Each worker thread has
+// its own, so rows can be made in any order.
+class CoefficientMaker {
+public:
+    CoefficientMaker(const PackedDib& dib, JpegFrame& frame, const DctQuantizer (&quantizers)[2], int smoothing)
+        : source_(dib), frame_(frame), quantizers_(quantizers), smoothing_(smoothing) {
+        const JpegComponent& full = frame.components[0];
+        rows_ = 8 * full.vSampling;
+        width_ = 8 * full.blocksAcross;
+        for (size_t c = 0; c < frame.components.size(); ++c) planes_[c].resize(static_cast<size_t>(rows_ + 2) * width_);
+        work_.resize(static_cast<size_t>(rows_) * width_);
+    }
+
+    void make(int mcuRow) {
+        readRows(mcuRow);
+        JpegComponent& full = frame_.components[0];
+        const uint8_t* luma = plane(0, 0);
+        if (smoothing_ > 0) {
+            for (int r = 0; r < rows_; ++r)
+                SmoothRow(plane(0, r - 1), plane(0, r), plane(0, r + 1), width_, smoothing_, work_.data() + r * width_);
+            luma = work_.data();
+        }
+        transform(full, mcuRow, luma, width_);
+        if (frame_.components.size() == 1) return;
+
+        const int half = width_ / 2;
+        for (int c = 1; c < 3; ++c) {
+            for (int r = 0; r < 8; ++r) {
+                uint8_t* out = work_.data() + r * half;
+                if (smoothing_ > 0)
+                    SmoothDownsampleRow(plane(c, 2 * r - 1), plane(c, 2 * r), plane(c, 2 * r + 1), plane(c, 2 * r + 2),
+                                        half, smoothing_, out);
+                else
+                    DownsampleRow(plane(c, 2 * r), plane(c, 2 * r + 1), half, out);
+            }
+            transform(frame_.components[c], mcuRow, work_.data(), half);
+        }
+        fillPaddingBlocks(full, mcuRow);
+    }
+
+private:
+    // Row r of the MCU row in component c's full-resolution plane; -1 and rows_ are the
+    // neighbours the smoothing filter reads.
+    uint8_t* plane(int c, int r) { return planes_[c].data() + static_cast<size_t>(r + 1) * width_; }
+
+    void readRows(int mcuRow) {
+        const int margin = smoothing_ > 0 ? 1 : 0;
+        for (int r = -margin; r < rows_ + margin; ++r) {
+            // Rows past the picture's edges repeat the edge row.
+            const int y = std::clamp(mcuRow * rows_ + r, 0, frame_.height - 1);
+            if (frame_.components.size() == 1) {
+                uint8_t* out = plane(0, r);
+                std::memcpy(out, source_.grey(y), frame_.width);
+                std::fill(out + frame_.width, out + width_, out[frame_.width - 1]);
+            } else {
+                int pixelBytes = 3;
+                const uint8_t* bgr = source_.colour(y, pixelBytes);
+                ConvertRowToYcc(bgr, pixelBytes, frame_.width, width_, plane(0, r), plane(1, r), plane(2, r));
+            }
+        }
+    }
+
+    void transform(JpegComponent& comp, int mcuRow, const uint8_t* samples, int stride) {
+        const DctQuantizer& q = quantizers_[comp.tableIndex];
+        for (int y = 0; y < comp.vSampling; ++y) {
+            const int by = mcuRow * comp.vSampling + y;
+            for (int bx = 0; bx < comp.blocksAcross; ++bx)
+                ForwardDctQuantize(samples + static_cast<size_t>(y) * 8 * stride + bx * 8, stride, q, comp.block(bx, by));
+        }
+    }
+
+    // Blocks that an MCU needs but no picture sample reaches carry only a DC value, the
+    // same as their neighbour's, which costs the fewest bits.
+    void fillPaddingBlocks(JpegComponent& comp, int mcuRow) {
+        for (int y = 0; y < comp.vSampling; ++y) {
+            const int by = mcuRow * comp.vSampling + y;
+            for (int bx = 0; bx < comp.blocksAcross; ++bx) {
+                const bool right = bx >= comp.widthInBlocks, below = by >= comp.heightInBlocks;
+                if (!right && !below) continue;
+                int16_t* block = comp.block(bx, by);
+                const int16_t dc = below ? comp.block(bx, by - 1)[0] : block[-64];
+                std::fill(block, block + 64, int16_t{0});
+                block[0] = dc;
+            }
+        }
+    }
+
+    SourceRows source_;
+    JpegFrame& frame_;
+    const DctQuantizer (&quantizers_)[2];
+    int smoothing_;
+    int rows_ = 0, width_ = 0;
+    std::vector<uint8_t> planes_[3];
+    std::vector<uint8_t> work_;
+};
+
+// Runs fn(begin, end, part) over contiguous parts of [0, count) on up to as many threads
+// as the machine has cores; small jobs stay on the calling thread.
+template <class Fn>
+int ForEachPart(int count, int minPerPart, Fn fn) {
+    const int cores = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+    const int parts = std::clamp(count / std::max(minPerPart, 1), 1, std::min(cores, 8));
+    std::vector<std::thread> threads;
+    for (int p = 1; p < parts; ++p)
+        threads.emplace_back(fn, static_cast<int>(int64_t{count} * p / parts),
+                             static_cast<int>(int64_t{count} * (p + 1) / parts), p);
+    fn(0, static_cast<int>(count / parts), 0);
+    for (auto& t : threads) t.join();
+    return parts;
+}
+
+void Put16(std::vector<uint8_t>& out, int value) {
+    out.push_back(static_cast<uint8_t>(value >> 8));
+    out.push_back(static_cast<uint8_t>(value));
+}
+
+void PutMarker(std::vector<uint8_t>& out, uint8_t marker, int payloadLength) {
+    out.push_back(0xff);
+    out.push_back(marker);
+    Put16(out, payloadLength + 2);
+}
+
+void PutJfifHeader(std::vector<uint8_t>& out, const PackedDib& dib) {
+    PutMarker(out, 0xe0, 14);
+    const char id[5] = {'J', 'F', 'I', 'F', 0};
+    out.insert(out.end(), id, id + 5);
+    out.push_back(1);  // version 1.01
+    out.push_back(1);
+    // The DIB's resolution in dots per inch when it has one, else just square pixels.
+    const int32_t xppm = dib.header().xPelsPerMeter, yppm = dib.header().yPelsPerMeter;
+    const bool known = xppm > 0 && yppm > 0;
+    auto dpi = [](int32_t ppm) { return std::clamp(static_cast<int>(std::lround(ppm * 0.0254)), 1, 65535); };
+    out.push_back(known ? 1 : 0);
+    Put16(out, known ? dpi(xppm) : 1);
+    Put16(out, known ? dpi(yppm) : 1);
+    out.push_back(0);  // no thumbnail
+    out.push_back(0);
+}
+
+void PutQuantTable(std::vector<uint8_t>& out, int slot, const QuantTable& table) {
+    PutMarker(out, 0xdb, 65);
+    out.push_back(static_cast<uint8_t>(slot));  // 8-bit precision
+    for (int k = 0; k < 64; ++k) out.push_back(static_cast<uint8_t>(table[kZigzagToNatural[k]]));
+}
+
+void PutFrameHeader(std::vector<uint8_t>& out, const JpegFrame& frame, bool progressive) {
+    PutMarker(out, progressive ? 0xc2 : 0xc0, 6 + 3 * static_cast<int>(frame.components.size()));
+    out.push_back(8);
+    Put16(out, frame.height);
+    Put16(out, frame.width);
+    out.push_back(static_cast<uint8_t>(frame.components.size()));
+    for (const JpegComponent& comp : frame.components) {
+        out.push_back(static_cast<uint8_t>(comp.id));
+        out.push_back(static_cast<uint8_t>(comp.hSampling << 4 | comp.vSampling));
+        out.push_back(static_cast<uint8_t>(comp.tableIndex));
+    }
+}
+
+void PutHuffmanTable(std::vector<uint8_t>& out, bool ac, int slot, const HuffmanSpec& spec) {
+    const int n = spec.symbolCount();
+    PutMarker(out, 0xc4, 17 + n);
+    out.push_back(static_cast<uint8_t>((ac ? 0x10 : 0) | slot));
+    out.insert(out.end(), spec.counts.begin(), spec.counts.end());
+    out.insert(out.end(), spec.symbols.begin(), spec.symbols.begin() + n);
+}
+
+void PutScanHeader(std::vector<uint8_t>& out, const JpegFrame& frame, const std::vector<int>& components,
+                   int start, int end, int high, int low) {
+    PutMarker(out, 0xda, 4 + 2 * static_cast<int>(components.size()));
+    out.push_back(static_cast<uint8_t>(components.size()));
+    for (int c : components) {
+        const JpegComponent& comp = frame.components[c];
+        out.push_back(static_cast<uint8_t>(comp.id));
+        // Selectors a scan does not use are written as 0.
+        const int dc = start == 0 && high == 0 ? comp.tableIndex : 0;
+        const int ac = end > 0 ? comp.tableIndex : 0;
+        out.push_back(static_cast<uint8_t>(dc << 4 | ac));
+    }
+    out.push_back(static_cast<uint8_t>(start));
+    out.push_back(static_cast<uint8_t>(end));
+    out.push_back(static_cast<uint8_t>(high << 4 | low));
+}
+
+int TableSlots(const JpegFrame& frame) { return frame.components.size() > 1 ? 2 : 1; }
+
+void AddCounts(ScanCounts& into, const ScanCounts& from) {
+    for (int s = 0; s < 2; ++s)
+        for (int i = 0; i < 256; ++i) {
+            into.dc[s][i] += from.dc[s][i];
+            into.ac[s][i] += from.ac[s][i];
+        }
+}
+
+// One sequential scan: tables (standard, or optimal for these coefficients), header and
+// data. MCU rows are counted and coded in parallel parts whose bits are then joined.
+void PutSequentialScan(std::vector<uint8_t>& out, const JpegFrame& frame, bool optimize) {
+    const int slots = TableSlots(frame);
+    HuffmanSpec dcSpec[2], acSpec[2];
+    if (optimize) {
+        std::vector<ScanCounts> partCounts(8);
+        const int parts = ForEachPart(frame.mcusDown, 8, [&](int begin, int end, int part) {
+            CountSequential(frame, begin, end, partCounts[part]);
+        });
+        for (int p = 1; p < parts; ++p) AddCounts(partCounts[0], partCounts[p]);
+        for (int s = 0; s < slots; ++s) {
+            dcSpec[s] = OptimalSpec(partCounts[0].dc[s]);
+            acSpec[s] = OptimalSpec(partCounts[0].ac[s]);
+        }
+    } else {
+        for (int s = 0; s < slots; ++s) {
+            dcSpec[s] = StandardDcSpec(s);
+            acSpec[s] = StandardAcSpec(s);
+        }
+    }
+    ScanCodes codes;
+    for (int s = 0; s < slots; ++s) {
+        PutHuffmanTable(out, false, s, dcSpec[s]);
+        PutHuffmanTable(out, true, s, acSpec[s]);
+        codes.dc[s] = MakeCodes(dcSpec[s]);
+        codes.ac[s] = MakeCodes(acSpec[s]);
+    }
+    std::vector<int> all(frame.components.size());
+    for (size_t c = 0; c < all.size(); ++c) all[c] = static_cast<int>(c);
+    PutScanHeader(out, frame, all, 0, 63, 0, 0);
+
+    std::vector<BitStream> partBits(8);
+    const int parts = ForEachPart(frame.mcusDown, 8, [&](int begin, int end, int part) {
+        EncodeSequential(frame, begin, end, codes, partBits[part]);
+    });
+    for (int p = 1; p < parts; ++p) partBits[0].append(partBits[p]);
+    partBits[0].appendStuffed(out);
+}
+
+void PutProgressiveScans(std::vector<uint8_t>& out, const JpegFrame& frame) {
+    for (const ProgressiveScan& scan : StandardProgression(static_cast<int>(frame.components.size()))) {
+        ScanCounts counts;
+        CountProgressive(frame, scan, counts);
+        ScanCodes codes;
+        const bool dcScan = scan.spectralStart == 0;
+        if (!dcScan || scan.bitHigh == 0) {
+            bool used[2] = {};
+            for (int c : scan.components) used[frame.components[c].tableIndex] = true;
+            for (int s = 0; s < 2; ++s) {
+                if (!used[s]) continue;
+                const HuffmanSpec spec = OptimalSpec(dcScan ? counts.dc[s] : counts.ac[s]);
+                PutHuffmanTable(out, !dcScan, s, spec);
+                (dcScan ? codes.dc[s] : codes.ac[s]) = MakeCodes(spec);
+            }
+        }
+        PutScanHeader(out, frame, scan.components, scan.spectralStart, scan.spectralEnd, scan.bitHigh, scan.bitLow);
+        BitStream bits;
+        EncodeProgressive(frame, scan, codes, bits);
+        bits.appendStuffed(out);
+    }
+}
+
+}  // namespace
+
+std::vector<uint8_t> EncodeJpeg(const PackedDib& dib, const JpegSaveRecord& record) {
+    if (dib.empty() || dib.width() <= 0 || dib.height() <= 0 || dib.width() > kMaxSide || dib.height() > kMaxSide)
+        return {};
+    const bool grey = dib.bitCount() <= 8 && dib.hasGreyPalette();
+    const int quality = std::clamp(record.quality, 1, 100);
+    const int smoothing = std::clamp(record.smoothing, 0, 100);
+
+    JpegFrame frame = PlanFrame(dib.width(), dib.height(), grey);
+    const QuantTable tables[2] = {ScaledQuantTable(0, quality), ScaledQuantTable(1, quality)};
+    const DctQuantizer quantizers[2] = {MakeDctQuantizer(tables[0]), MakeDctQuantizer(tables[1])};
+    ForEachPart(frame.mcusDown, 4, [&](int begin, int end, int) {
+        CoefficientMaker maker(dib, frame, quantizers, smoothing);
+        for (int row = begin; row < end; ++row) maker.make(row);
+    });
+
+    std::vector<uint8_t> out;
+    out.reserve(static_cast<size_t>(dib.width()) * dib.height() / 4 + 1024);
+    out.push_back(0xff);
+    out.push_back(0xd8);
+    PutJfifHeader(out, dib);
+    for (int s = 0; s < TableSlots(frame); ++s) PutQuantTable(out, s, tables[s]);
+    const bool progressive = record.progressive != 0;
+    PutFrameHeader(out, frame, progressive);
+    if (progressive)
+        PutProgressiveScans(out, frame);
+    else
+        PutSequentialScan(out, frame, record.optimizeHuffman != 0);
+    out.push_back(0xff);
+    out.push_back(0xd9);
+    return out;
+}
+
+}  // namespace lx
