@@ -132,6 +132,13 @@ TEST(ForceSaveExtension, LeavesAPathTooLongForTheShellRename) {
     EXPECT_TRUE(lx::ForceSaveExtension(path.chars, 2));
     EXPECT_EQ(path.str(), longPath);
     EXPECT_EQ(path.chars[longPath.size() + 1], L'#');  // nothing written past the terminator
+
+    // A dot in the buffer's last usable place: a new extension would run past the buffer.
+    const std::wstring full = L"C:\\" + std::wstring(514, L'n') + L".";
+    ASSERT_EQ(full.size(), lx::kPathChars - 2);
+    PathBuffer edge(full);
+    EXPECT_TRUE(lx::ForceSaveExtension(edge.chars, 2));
+    EXPECT_EQ(edge.str(), full);
 }
 
 TEST(RenamePathExtension, BehavesLikeTheShellRename) {
