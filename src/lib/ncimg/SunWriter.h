@@ -1,0 +1,14 @@
+// Encodes an image as an uncompressed standard Sun raster file: 1-bit and 8-bit palette
+// images with their colour map, everything else as 24-bit BGR (alpha is dropped).
+#pragma once
+
+#include "PackedDib.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace lx {
+
+std::vector<uint8_t> EncodeSun(const PackedDib& dib);
+
+}  // namespace lx
