@@ -32,7 +32,7 @@ public:
     void chain(int ifd, int next) { ifds_[ifd].next = next; }
 
     void add(int ifd, uint16_t tag, uint16_t type, uint32_t count, Bytes value) {
-        ifds_[ifd].entries.push_back({tag, type, count, std::move(value), -1, -1});
+        ifds_[ifd].entries.push_back({tag, type, count, std::move(value), {}, -1});
     }
     void addShort(int ifd, uint16_t tag, uint16_t v) { add(ifd, tag, 3, 1, u16(v)); }
     void addLong(int ifd, uint16_t tag, uint32_t v) { add(ifd, tag, 4, 1, u32(v)); }
@@ -52,11 +52,13 @@ public:
         add(ifd, tag, 5, static_cast<uint32_t>(rs.size()), b);
     }
     // A LONG holding the offset of another IFD (Exif, GPS, SubIFD pointers).
-    void addIfdPointer(int ifd, uint16_t tag, int child) {
-        ifds_[ifd].entries.push_back({tag, 4, 1, {}, child, -1});
+    void addIfdPointer(int ifd, uint16_t tag, int child) { addIfdPointers(ifd, tag, {child}); }
+    void addIfdPointers(int ifd, uint16_t tag, const std::vector<int>& children) {
+        const auto count = static_cast<uint32_t>(children.size());
+        ifds_[ifd].entries.push_back({tag, 4, count, Bytes(4 * count), children, -1});
     }
     // A LONG holding the offset of a blob, and one holding its length.
-    void addBlobOffset(int ifd, uint16_t tag, int blob) { ifds_[ifd].entries.push_back({tag, 4, 1, {}, -1, blob}); }
+    void addBlobOffset(int ifd, uint16_t tag, int blob) { ifds_[ifd].entries.push_back({tag, 4, 1, {}, {}, blob}); }
     void addBlobLength(int ifd, uint16_t tag, int blob) {
         addLong(ifd, tag, static_cast<uint32_t>(blobs_[blob].size()));
     }
@@ -77,12 +79,20 @@ private:
         uint16_t tag, type;
         uint32_t count;
         Bytes value;
-        int ifdRef, blobRef;
+        std::vector<int> ifdRefs;
+        int blobRef;
     };
     struct Ifd {
         std::vector<Entry> entries;
         int next = -1;
     };
+    // The entry's value with IFD pointers filled in.
+    Bytes resolved(const Entry& e, const std::vector<uint32_t>& ifdAt) const {
+        if (e.ifdRefs.empty()) return e.value;
+        Bytes b;
+        for (int child : e.ifdRefs) append(b, u32(ifdAt[child]));
+        return b;
+    }
     bool big_;
     uint16_t magic_;
     std::vector<Ifd> ifds_;
@@ -118,7 +128,7 @@ inline Bytes TiffBuilder::build() const {
             append(out, u16(e.tag));
             append(out, u16(e.type));
             append(out, u32(e.count));
-            Bytes field = e.ifdRef >= 0 ? u32(ifdAt[e.ifdRef]) : e.blobRef >= 0 ? u32(blobAt[e.blobRef]) : e.value;
+            Bytes field = e.blobRef >= 0 ? u32(blobAt[e.blobRef]) : resolved(e, ifdAt);
             if (field.size() > 4) field = u32(valueAt[i][k]);
             field.resize(4, 0);
             append(out, field);
@@ -128,7 +138,7 @@ inline Bytes TiffBuilder::build() const {
     for (size_t i = 0; i < ifds_.size(); ++i)
         for (const Entry& e : ifds_[i].entries)
             if (e.value.size() > 4) {
-                append(out, e.value);
+                append(out, resolved(e, ifdAt));
                 if (e.value.size() & 1) out.push_back(0);
             }
     for (const Bytes& b : blobs_) append(out, b);

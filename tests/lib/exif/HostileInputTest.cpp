@@ -1,0 +1,161 @@
+// Malformed and hostile files: loops, truncations, offsets and counts that point outside
+// the data. Each must give a plain "nothing" result, read only inside the file, and end.
+#include <gtest/gtest.h>
+
+#include "ExifContainer.h"
+#include "ExifReader.h"
+#include "ExifTestSupport.h"
+
+using namespace lxtest;
+
+namespace {
+
+constexpr uint16_t kExifIfd = 0x8769, kSubIfds = 0x14A, kDateTimeOriginal = 0x9003;
+const std::string kDate = "2012:12:12 12:12:12";
+
+// Counts what is read, to show that a large file is not read whole.
+class CountingSource : public lx::MemorySource {
+public:
+    using MemorySource::MemorySource;
+    bool read(uint64_t offset, size_t count, uint8_t* out) override {
+        bytesRead += count;
+        return MemorySource::read(offset, count, out);
+    }
+    uint64_t bytesRead = 0;
+};
+
+// Runs every operation; all must return without touching memory outside `file`.
+void RunAll(const Bytes& file) {
+    lx::MemorySource source(file);
+    lx::ReadShootingTime(source);
+    lx::HasShootingInfo(source);
+    lx::ReadEmbeddedImage(source, lx::EmbeddedChoice::Smallest);
+    lx::ReadEmbeddedImage(source, lx::EmbeddedChoice::Largest);
+    lx::EnumerateExifInfo(source, [](int, std::string_view, std::string_view) { return true; });
+    lx::ReadDescription(source);
+    lx::RenderPreview(source);
+    lx::ReadOrientation(source);
+}
+
+std::optional<lx::ShootingTime> TimeOf(const Bytes& file) {
+    lx::MemorySource source(file);
+    return lx::ReadShootingTime(source);
+}
+
+}  // namespace
+
+TEST(HostileInput, IfdLoopsEndAndStillYieldWhatWasRead) {
+    {  // IFD0 -> IFD1 -> IFD0
+        TiffBuilder t;
+        const int ifd0 = t.addIfd(), ifd1 = t.addIfd(), exif = t.addIfd();
+        t.chain(ifd0, ifd1);
+        t.chain(ifd1, ifd0);
+        t.addIfdPointer(ifd0, kExifIfd, exif);
+        t.addAscii(exif, kDateTimeOriginal, kDate);
+        EXPECT_EQ(TimeOf(t.build())->year, 2012);
+    }
+    {  // an IFD that is its own successor, its own SubIFD and its own Exif IFD
+        TiffBuilder t(true);
+        const int ifd0 = t.addIfd();
+        t.chain(ifd0, ifd0);
+        t.addIfdPointers(ifd0, kSubIfds, {ifd0, ifd0, ifd0});
+        t.addIfdPointer(ifd0, kExifIfd, ifd0);
+        t.addAscii(ifd0, kDateTimeOriginal, kDate);
+        const Bytes file = t.build();
+        EXPECT_FALSE(TimeOf(file));  // the Exif IFD was already visited as IFD0
+        RunAll(file);
+    }
+    {  // SubIFDs that point at each other
+        TiffBuilder t;
+        const int ifd0 = t.addIfd(), a = t.addIfd(), b = t.addIfd();
+        t.addIfdPointer(ifd0, kSubIfds, a);
+        t.addIfdPointer(a, kSubIfds, b);
+        t.addIfdPointer(b, kSubIfds, a);
+        RunAll(t.build());
+    }
+}
+
+TEST(HostileInput, TruncatedApp1GivesNoExif) {
+    ScratchDir dir("truncated");
+    const auto path = dir / "full.jpg";
+    WriteFile(path, MakeJpeg(dir.path(), 32, 32));
+    ASSERT_EQ(ExifTool("-DateTimeOriginal='2012:12:12 12:12:12' -Artist=Someone", path), 0);
+    const Bytes full = ReadFile(path);
+    ASSERT_TRUE(TimeOf(full));
+    // Every prefix either still holds the whole date or gives nothing; none reads past its end.
+    for (size_t size = 0; size < full.size(); ++size) {
+        const Bytes prefix(full.begin(), full.begin() + size);
+        auto t = TimeOf(prefix);
+        if (t) {
+            EXPECT_EQ(t, TimeOf(full)) << size;
+        }
+        RunAll(prefix);
+    }
+    // An APP1 segment that claims more bytes than the file holds.
+    Bytes lying = full;
+    lying.resize(200);
+    EXPECT_FALSE(TimeOf(lying));
+}
+
+TEST(HostileInput, ValuesOutsideTheExifSegmentAreNotRead) {
+    TiffBuilder t;
+    const int ifd0 = t.addIfd(), exif = t.addIfd();
+    t.addIfdPointer(ifd0, kExifIfd, exif);
+    t.addAscii(exif, kDateTimeOriginal, kDate);
+    Bytes tiff = t.build();
+    ASSERT_EQ(std::string(tiff.end() - 20, tiff.end() - 1), kDate);
+    // Cut the date off the segment and put it right after it, where an offset that
+    // ignored the segment's end would find it.
+    const Bytes date(tiff.end() - 20, tiff.end());
+    tiff.resize(tiff.size() - 20);
+    Bytes file = JpegWithExif(tiff, {0xFF, 0xD8, 0xFF, 0xD9});
+    file.insert(file.begin() + 4 + 2 + 6 + static_cast<long>(tiff.size()), date.begin(), date.end());
+    EXPECT_FALSE(TimeOf(file));
+}
+
+TEST(HostileInput, ImpossibleCountsAndSizesAreRefused) {
+    TiffBuilder t;
+    const int ifd0 = t.addIfd();
+    t.add(ifd0, 0x111, 4, 0x40000000, {});      // strip offsets far beyond the file
+    t.add(ifd0, 0x117, 4, 0x40000000, {});
+    t.add(ifd0, kDateTimeOriginal, 2, 0xFFFFFFFF, {});
+    t.addShort(ifd0, 0x100, 65535);
+    t.addShort(ifd0, 0x101, 65535);
+    RunAll(t.build());
+    // An IFD that claims 65535 entries in a few bytes.
+    Bytes file = {'I', 'I', 42, 0, 8, 0, 0, 0, 0xFF, 0xFF, 1, 2, 3};
+    RunAll(file);
+    EXPECT_FALSE(TimeOf(file));
+}
+
+TEST(HostileInput, CiffHeapThatContainsItselfEnds) {
+    // A heap whose one entry is a sub-heap spanning the heap itself.
+    Bytes file = {'I', 'I', 14, 0, 0, 0, 'H', 'E', 'A', 'P', 'C', 'C', 'D', 'R'};
+    const Bytes heap = {1, 0, 0x0A, 0x30, 16, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+    file.insert(file.end(), heap.begin(), heap.end());
+    RunAll(file);
+}
+
+TEST(HostileInput, LargeRawFilesAreNotReadWhole) {
+    // 50 MB of "sensor data" after the IFDs.
+    TiffBuilder t;
+    const int ifd0 = t.addIfd(), exif = t.addIfd();
+    t.addIfdPointer(ifd0, kExifIfd, exif);
+    t.addAscii(exif, kDateTimeOriginal, kDate);
+    ScratchDir dir("large");
+    const Bytes preview = MakeJpeg(dir.path(), 64, 64);
+    const int blob = t.addBlob(preview);
+    t.addBlobOffset(ifd0, 0x201, blob);
+    t.addBlobLength(ifd0, 0x202, blob);
+    t.addBlob(Bytes(50u << 20, 0x55));
+    const Bytes file = t.build();
+
+    CountingSource source(file);
+    EXPECT_TRUE(lx::ReadShootingTime(source));
+    EXPECT_LT(source.bytesRead, 4096u);
+    source.bytesRead = 0;
+    auto image = lx::ReadEmbeddedImage(source, lx::EmbeddedChoice::Largest);
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->bytes, preview);
+    EXPECT_LT(source.bytesRead, 8192u + 2 * preview.size());
+}
