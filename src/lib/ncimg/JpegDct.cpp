@@ -2,22 +2,22 @@
 
 #include <cmath>
 #include <cstring>
+#include <numbers>
 
 namespace lx {
 namespace {
 
-// Eight lanes at once; the compiler maps this onto whatever vector unit the target has.
-typedef float Lanes __attribute__((vector_size(32)));
-typedef int32_t IntLanes __attribute__((vector_size(32)));
-typedef uint8_t ByteLanes __attribute__((vector_size(8)));
+// Four lanes: one SSE register on x86-64, and something equivalent elsewhere.
+typedef float Lanes __attribute__((vector_size(16)));
+typedef int32_t IntLanes __attribute__((vector_size(16)));
 
 // After both passes, output [u][v] is the true DCT coefficient times
 // 8 * AanScale(u) * AanScale(v); the divisors take that factor out again.
 double AanScale(int k) {
-    return k == 0 ? 1.0 : std::cos(k * M_PI / 16) * std::sqrt(2.0);
+    return k == 0 ? 1.0 : std::cos(k * std::numbers::pi / 16) * std::sqrt(2.0);
 }
 
-// One-dimensional scaled DCT along the array index, for eight independent lanes.
+// One-dimensional scaled DCT along the array index, for independent lanes.
 inline __attribute__((always_inline)) void Dct8(Lanes* d) {
     const Lanes t0 = d[0] + d[7], t7 = d[0] - d[7];
     const Lanes t1 = d[1] + d[6], t6 = d[1] - d[6];
@@ -46,11 +46,16 @@ inline __attribute__((always_inline)) void Dct8(Lanes* d) {
     d[7] = z11 - z4;
 }
 
-inline __attribute__((always_inline)) void Transpose(Lanes* d) {
-    float m[8][8];
-    std::memcpy(m, d, sizeof m);
-    for (int i = 0; i < 8; ++i)
-        for (int j = 0; j < 8; ++j) d[i][j] = m[j][i];
+// Transposes the 4x4 square in[0..3] into out[0..3].
+inline __attribute__((always_inline)) void Transpose4(const Lanes* in, Lanes* out) {
+    const Lanes t0 = __builtin_shuffle(in[0], in[1], IntLanes{0, 4, 1, 5});
+    const Lanes t1 = __builtin_shuffle(in[2], in[3], IntLanes{0, 4, 1, 5});
+    const Lanes t2 = __builtin_shuffle(in[0], in[1], IntLanes{2, 6, 3, 7});
+    const Lanes t3 = __builtin_shuffle(in[2], in[3], IntLanes{2, 6, 3, 7});
+    out[0] = __builtin_shuffle(t0, t1, IntLanes{0, 1, 4, 5});
+    out[1] = __builtin_shuffle(t0, t1, IntLanes{2, 3, 6, 7});
+    out[2] = __builtin_shuffle(t2, t3, IntLanes{0, 1, 4, 5});
+    out[3] = __builtin_shuffle(t2, t3, IntLanes{2, 3, 6, 7});
 }
 
 }  // namespace
@@ -72,29 +77,42 @@ DctQuantizer MakeDctQuantizer(const QuantTable& table) {
     return q;
 }
 
-void ForwardDctQuantize(const uint8_t* samples, ptrdiff_t stride, const DctQuantizer& quantizer,
-                        int16_t* zigzag) {
-    Lanes d[8];
-    for (int r = 0; r < 8; ++r) {
-        ByteLanes bytes;
-        std::memcpy(&bytes, samples + r * stride, 8);
-        d[r] = __builtin_convertvector(bytes, Lanes) - 128.0f;
-    }
-    Dct8(d);  // columns
-    Transpose(d);
-    Dct8(d);  // rows
+void LevelShiftRow(const uint8_t* samples, int count, float* out) {
+    for (int i = 0; i < count; ++i) out[i] = static_cast<float>(samples[i]) - 128.0f;
+}
 
-    for (int u = 0; u < 8; ++u) {
-        Lanes recip;
-        std::memcpy(&recip, quantizer.reciprocal + u * 8, sizeof recip);
-        Lanes x = d[u] * recip;
-        // Clamp to the largest magnitudes the entropy coder can express, then round to
-        // nearest by truncating a value made positive.
-        x = x < -1024.0f ? -1024.0f : x;
-        x = x > 1023.0f ? 1023.0f : x;
-        const IntLanes rounded = __builtin_convertvector(x + 16384.5f, IntLanes) - 16384;
-        for (int v = 0; v < 8; ++v) zigzag[quantizer.zigzagPlace[u * 8 + v]] = static_cast<int16_t>(rounded[v]);
+void ForwardDctQuantize(const float* samples, ptrdiff_t stride, const DctQuantizer& quantizer, int16_t* zigzag) {
+    // Columns first, in two halves of four lanes: left[r] holds columns 0-3 of row r.
+    Lanes left[8], right[8];
+    for (int r = 0; r < 8; ++r) {
+        std::memcpy(&left[r], samples + r * stride, sizeof(Lanes));
+        std::memcpy(&right[r], samples + r * stride + 4, sizeof(Lanes));
     }
+    Dct8(left);
+    Dct8(right);
+
+    // Rows next, on the transposed block: low[x] holds vertical frequencies 0-3 of column x.
+    Lanes low[8], high[8];
+    Transpose4(left, low);
+    Transpose4(left + 4, high);
+    Transpose4(right, low + 4);
+    Transpose4(right + 4, high + 4);
+    Dct8(low);
+    Dct8(high);
+
+    // Quantise: |coefficient| stays below 1024 for 8-bit samples, so the value made
+    // positive by the offset truncates to the rounded result.
+    alignas(16) int32_t rounded[64];
+    for (int u = 0; u < 8; ++u) {
+        Lanes recipLow, recipHigh;
+        std::memcpy(&recipLow, quantizer.reciprocal + u * 8, sizeof(Lanes));
+        std::memcpy(&recipHigh, quantizer.reciprocal + u * 8 + 4, sizeof(Lanes));
+        const IntLanes a = __builtin_convertvector(low[u] * recipLow + 16384.5f, IntLanes) - 16384;
+        const IntLanes b = __builtin_convertvector(high[u] * recipHigh + 16384.5f, IntLanes) - 16384;
+        std::memcpy(rounded + u * 8, &a, sizeof a);
+        std::memcpy(rounded + u * 8 + 4, &b, sizeof b);
+    }
+    for (int i = 0; i < 64; ++i) zigzag[quantizer.zigzagPlace[i]] = static_cast<int16_t>(rounded[i]);
 }
 
 }  // namespace lx
