@@ -207,6 +207,17 @@ TEST(ShowItemFileDialog, OkStoresTheChosenPath) {
     EXPECT_TRUE(HasList(lists, {L"PDF(*.pdf)", L"All(*.*)"}));
 }
 
+TEST(ShowItemFileDialog, StartsInTheFolderOfThePathWhenNoneIsGiven) {
+    lxtest::ScratchDir scratch("itemdialog-pathfolder");
+    DialogDriver driver(L"lx open", DialogDriver::Press(IDOK));
+    const auto existing = scratch / "chosen.jpg";
+    lxtest::WriteFile(existing, std::string("jpeg"));
+    wchar_t path[lx::kPathChars] = {};
+    lstrcpynW(path, existing.c_str(), lx::kPathChars);
+    ASSERT_TRUE(lx::ShowItemFileDialog(nullptr, true, L"lx open", nullptr, path, nullptr, 0));
+    EXPECT_TRUE(std::filesystem::equivalent(std::filesystem::path(path), existing)) << path;
+}
+
 TEST(ShowClassicFileDialog, BuildsItsFilterFromThePairs) {
     const lx::FileFilter filters[] = {{L"PDF", L"*.pdf"}, {L"All", L"*.*"}};
     EXPECT_EQ(lx::ClassicFilterFromPairs(filters, 2), std::wstring(L"PDF\0*.pdf\0All\0*.*\0", 18));

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <functional>
 #include <string>
 #include <thread>
@@ -67,6 +68,11 @@ public:
     }
 
 private:
+    static int HoldMilliseconds() {
+        const char* hold = std::getenv("LX_TEST_DIALOG_HOLD_MS");
+        return hold ? std::atoi(hold) : 300;
+    }
+
     struct Search {
         const std::wstring* caption;
         HWND found;
@@ -89,8 +95,9 @@ private:
                 },
                 reinterpret_cast<LPARAM>(&search));
             if (search.found) {
-                // Let the dialog finish laying itself out before it is read.
-                std::this_thread::sleep_for(std::chrono::milliseconds(300));
+                // Let the dialog finish laying itself out before it is read; LX_TEST_DIALOG_HOLD_MS
+                // keeps it up longer, to take a screenshot of it.
+                std::this_thread::sleep_for(std::chrono::milliseconds(HoldMilliseconds()));
                 found_ = true;
                 act_(search.found);
                 return;
