@@ -1,0 +1,61 @@
+// Test doubles for the rename run: a folder held in memory and a sink that records what it
+// was told and answers questions with a fixed button.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "RenameRun.h"
+#include "ToolSink.h"
+
+namespace lxtest {
+
+class MemoryFolder {
+public:
+    std::set<std::wstring> files;
+    std::set<std::wstring> locked;  // files that refuse to move
+    int moves = 0;
+
+    lx::RenameFileSystem FileSystem() {
+        lx::RenameFileSystem fs;
+        fs.exists = [this](const std::wstring& path) { return files.count(path) != 0; };
+        fs.move = [this](const std::wstring& from, const std::wstring& to) {
+            if (!files.count(from) || files.count(to) || locked.count(from)) return false;
+            files.erase(from);
+            files.insert(to);
+            ++moves;
+            return true;
+        };
+        return fs;
+    }
+};
+
+class RecordingSink : public lx::ToolSink {
+public:
+    int answer = lx::kIdYes;
+    std::vector<unsigned> messages;
+    std::vector<std::wstring> reports;
+    std::wstring title, line;
+    int starts = 0, ends = 0;
+    int cancelAfterChecks = -1;  // Cancelled() turns true after this many checks
+    int checks = 0;
+
+    void StartProgress(const std::wstring& t, const std::wstring& l) override {
+        title = t;
+        line = l;
+        ++starts;
+    }
+    void SetLine(int, const std::wstring&, bool) override {}
+    void SetProgress(uint64_t, uint64_t) override {}
+    bool Cancelled() override { return cancelAfterChecks >= 0 && checks++ >= cancelAfterChecks; }
+    void EndProgress() override { ++ends; }
+    int Message(unsigned textId, const std::wstring&, unsigned) override {
+        messages.push_back(textId);
+        return answer;
+    }
+    void Report(const std::wstring& text) override { reports.push_back(text); }
+};
+
+}  // namespace lxtest

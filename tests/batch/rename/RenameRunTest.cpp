@@ -1,0 +1,146 @@
+#include "RenameRun.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "FakeRenameWorld.h"
+#include "LogicalOrder.h"
+
+namespace lx {
+namespace {
+
+ShootingTime At(int year, int month, int day, int hour = 12) {
+    ShootingTime t;
+    t.year = static_cast<uint16_t>(year);
+    t.month = static_cast<uint16_t>(month);
+    t.day = static_cast<uint16_t>(day);
+    t.hour = static_cast<uint16_t>(hour);
+    return t;
+}
+
+class RenameRunTest : public ::testing::Test {
+protected:
+    lxtest::MemoryFolder folder;
+    lxtest::RecordingSink sink;
+    std::map<std::wstring, ShootingTime> exif;  // files that carry a shooting time
+    const RenameProgressTexts texts{L"title", L"line"};
+
+    // Adds a photograph to the folder; without a time it has no Exif date.
+    void Add(const std::wstring& path, const ShootingTime* time) {
+        folder.files.insert(path);
+        if (time) exif[path] = *time;
+    }
+
+    RenameServices Services() {
+        RenameServices services;
+        services.readShotTime = [this](const std::wstring& path) -> std::optional<ShootingTime> {
+            const auto found = exif.find(path);
+            if (found == exif.end()) return std::nullopt;
+            return found->second;
+        };
+        services.fileSystem = folder.FileSystem();
+        services.compareNames = CompareLogical;
+        return services;
+    }
+
+    RenameRunResult Run(const RenameChoices& choices, const std::vector<std::wstring>& files) {
+        return RunRenameToExifDate(choices, files, sink, Services(), texts);
+    }
+};
+
+TEST_F(RenameRunTest, NoFileWithShootingTimeShowsTheMessageAndRenamesNothing) {
+    Add(L"d\\plain.jpg", nullptr);
+    const ShootingTime t = At(2024, 5, 7);
+    exif[L"d\\gone.jpg"] = t;  // a time would be found, but the file is not there
+    const RenameRunResult result = Run({kItemDate8, 0, 0, 0}, {L"d\\plain.jpg", L"d\\gone.jpg"});
+    EXPECT_EQ(result.listed, 0);
+    EXPECT_EQ(sink.messages, (std::vector<unsigned>{kMsgNoShotTime}));
+    EXPECT_EQ(sink.starts, 0);
+    EXPECT_EQ(folder.moves, 0);
+}
+
+TEST_F(RenameRunTest, NamesTheExampleAndReportsIt) {
+    const ShootingTime t = At(2024, 5, 7);
+    Add(L"d\\IMG_0001.jpg", &t);
+    Add(L"d\\other.jpg", nullptr);
+    const RenameRunResult result = Run({kItemDate8, kItemNone, kItemCounter1, kResetNever},
+                                       {L"d\\other.jpg", L"d\\IMG_0001.jpg"});
+    EXPECT_EQ(result.listed, 1);
+    EXPECT_EQ(result.renamed, 1);
+    EXPECT_TRUE(result.confirmed);
+    EXPECT_EQ(folder.files, (std::set<std::wstring>{L"d\\other.jpg", L"d\\20240507_1.jpg"}));
+    EXPECT_EQ(sink.messages, (std::vector<unsigned>{kMsgConfirmRename}));
+    EXPECT_EQ(sink.reports, (std::vector<std::wstring>{L"d\\IMG_0001.jpg -> d\\20240507_1.jpg"}));
+    EXPECT_EQ(sink.title, L"title");
+    EXPECT_EQ(sink.line, L"line");
+    EXPECT_EQ(sink.starts, 1);
+    EXPECT_EQ(sink.ends, 1);
+}
+
+TEST_F(RenameRunTest, AnsweringNoLeavesEveryFile) {
+    const ShootingTime t = At(2024, 5, 7);
+    Add(L"d\\a.jpg", &t);
+    sink.answer = kIdNo;
+    const RenameRunResult result = Run({kItemDate8, 0, 0, 0}, {L"d\\a.jpg"});
+    EXPECT_FALSE(result.confirmed);
+    EXPECT_EQ(folder.moves, 0);
+    EXPECT_EQ(sink.starts, 0);
+}
+
+TEST_F(RenameRunTest, NoItemsAsksNothingAndRenamesNothing) {
+    const ShootingTime t = At(2024, 5, 7);
+    Add(L"d\\a.jpg", &t);
+    const RenameRunResult result = Run({}, {L"d\\a.jpg"});
+    EXPECT_EQ(result.listed, 1);
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(folder.moves, 0);
+}
+
+TEST_F(RenameRunTest, OldNameItemAloneRenamesNothing) {
+    const ShootingTime t = At(2024, 5, 7);
+    Add(L"d\\a.jpg", &t);
+    const RenameRunResult result = Run({kItemNone, kItemNone, kItemOldName, kResetNever}, {L"d\\a.jpg"});
+    EXPECT_TRUE(result.confirmed);
+    EXPECT_EQ(result.renamed, 0);
+    EXPECT_EQ(folder.files, (std::set<std::wstring>{L"d\\a.jpg"}));
+}
+
+TEST_F(RenameRunTest, AnEarlierRenameOfTheSameRunPushesTheNextToNumberOne) {
+    const ShootingTime morning = At(2024, 5, 7, 8), evening = At(2024, 5, 7, 20);
+    Add(L"d\\IMG10.jpg", &morning);
+    Add(L"d\\IMG2.jpg", &evening);
+    Add(L"d\\IMG3.jpg", &evening);
+    Run({kItemDate8, 0, 0, 0}, {L"d\\IMG3.jpg", L"d\\IMG2.jpg", L"d\\IMG10.jpg"});
+    EXPECT_EQ(folder.files,
+              (std::set<std::wstring>{L"d\\20240507.jpg", L"d\\20240507(1).jpg", L"d\\20240507(2).jpg"}));
+    // Taken first, IMG10 got the plain name; of the two taken together IMG2 comes first.
+    EXPECT_EQ(sink.reports, (std::vector<std::wstring>{L"d\\IMG10.jpg -> d\\20240507.jpg",
+                                                       L"d\\IMG2.jpg -> d\\20240507(1).jpg",
+                                                       L"d\\IMG3.jpg -> d\\20240507(2).jpg"}));
+}
+
+TEST_F(RenameRunTest, LockedFileAndTakenNamesLoseNothing) {
+    const ShootingTime t = At(2024, 5, 7);
+    Add(L"d\\a.jpg", &t);
+    Add(L"d\\b.jpg", &t);
+    Add(L"d\\20240507_1.jpg", nullptr);
+    folder.locked = {L"d\\a.jpg"};
+    Run({kItemDate8, kItemCounter1, 0, 0}, {L"d\\a.jpg", L"d\\b.jpg"});
+    EXPECT_EQ(folder.files, (std::set<std::wstring>{L"d\\a.jpg", L"d\\20240507_1.jpg", L"d\\20240507_2.jpg"}));
+}
+
+TEST_F(RenameRunTest, CancellingStopsBetweenFiles) {
+    const ShootingTime t = At(2024, 5, 7);
+    Add(L"d\\a.jpg", &t);
+    Add(L"d\\b.jpg", &t);
+    Add(L"d\\c.jpg", &t);
+    sink.cancelAfterChecks = 1;
+    const RenameRunResult result = Run({kItemCounter1, 0, 0, 0}, {L"d\\a.jpg", L"d\\b.jpg", L"d\\c.jpg"});
+    EXPECT_EQ(result.renamed, 1);
+    EXPECT_EQ(folder.files, (std::set<std::wstring>{L"d\\1.jpg", L"d\\b.jpg", L"d\\c.jpg"}));
+    EXPECT_EQ(sink.ends, 1);
+}
+
+}  // namespace
+}  // namespace lx
