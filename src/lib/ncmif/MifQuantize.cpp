@@ -170,6 +170,9 @@ private:
     std::vector<Bin> bins_;
 };
 
+// Neighbours whose colours differ by more than this in some channel lie across an edge.
+constexpr int kBleedLimit = 40;
+
 // The 8x8 Bayer threshold pattern, values 0..63.
 constexpr std::array<std::array<uint8_t, 8>, 8> kBayer = {{
     {0, 32, 8, 40, 2, 34, 10, 42},
@@ -196,8 +199,20 @@ void MapNearest(const PackedDib& rgb, PackedDib& out, std::span<const Rgbq> tabl
 void MapPattern(const PackedDib& rgb, PackedDib& out, std::span<const Rgbq> table, int begin, int end) {
     NearestCache cache(table);
     const int step = rgb.bitCount() / 8;
-    // The pattern's amplitude matches the palette's spacing per channel.
-    const double spread = 255.0 / std::cbrt(static_cast<double>(table.size()));
+    // The pattern's amplitude is the palette's typical spacing: the mean, over the entries,
+    // of the largest channel difference to the nearest other entry. So a tone between two
+    // entries is dithered between them in the right proportion.
+    double spacing = 0;
+    for (size_t i = 0; i < table.size(); ++i) {
+        int nearest = 255;
+        for (size_t j = 0; j < table.size(); ++j) {
+            if (j == i) continue;
+            const int d = std::max({std::abs(table[i].r - table[j].r), std::abs(table[i].g - table[j].g), std::abs(table[i].b - table[j].b)});
+            nearest = std::min(nearest, d);
+        }
+        spacing += nearest;
+    }
+    const double spread = table.empty() ? 0 : spacing / static_cast<double>(table.size());
     int offset[64];
     for (int i = 0; i < 64; ++i) offset[i] = static_cast<int>(std::lround(((i + 0.5) / 64 - 0.5) * spread));
     for (int y = begin; y < end; ++y) {
@@ -211,36 +226,48 @@ void MapPattern(const PackedDib& rgb, PackedDib& out, std::span<const Rgbq> tabl
     }
 }
 
-// Floyd-Steinberg over rows [begin, end), serpentine. `keep` (out of 16) scales the error
-// passed on and `limit` bounds it per channel: the reduced-bleeding method passes on less so
-// a colour error does not smear far into neighbouring areas.
-void MapDiffusion(const PackedDib& rgb, PackedDib& out, std::span<const Rgbq> table, int begin, int end, int keep, int limit) {
+// Floyd-Steinberg over rows [begin, end), serpentine. With `edgeLimit` above 0 a share of
+// the error only goes to a neighbour whose own colour is within that distance (largest
+// channel difference) of the pixel's: the error stays inside areas of like colour instead of
+// bleeding across edges into the next area, while flat and gently shaded areas dither as usual.
+void MapDiffusion(const PackedDib& rgb, PackedDib& out, std::span<const Rgbq> table, int begin, int end, int edgeLimit) {
     NearestCache cache(table);
     const int w = rgb.width(), step = rgb.bitCount() / 8;
     // Errors in 1/16 units for the current and next row, with one guard pixel at each end.
     std::vector<int> current(static_cast<size_t>(w + 2) * 3, 0), next(current.size(), 0);
+    const auto alike = [&](const uint8_t* a, const uint8_t* b) {
+        return edgeLimit <= 0 || std::max({std::abs(a[0] - b[0]), std::abs(a[1] - b[1]), std::abs(a[2] - b[2])}) <= edgeLimit;
+    };
     for (int y = begin; y < end; ++y) {
         std::fill(next.begin(), next.end(), 0);
         const bool leftToRight = ((y - begin) & 1) == 0;
         const int dir = leftToRight ? 1 : -1;
         const uint8_t* row = rgb.row(y);
+        const uint8_t* below = y + 1 < end ? rgb.row(y + 1) : nullptr;
         uint8_t* d = out.row(y);
         for (int i = 0; i < w; ++i) {
             const int x = leftToRight ? i : w - 1 - i;
             const uint8_t* p = row + static_cast<size_t>(x) * step;
-            int* e = &current[static_cast<size_t>(x + 1) * 3];
+            const int* e = &current[static_cast<size_t>(x + 1) * 3];
             int v[3];
             const int source[3] = {p[2], p[1], p[0]};
             for (int c = 0; c < 3; ++c) v[c] = std::clamp(source[c] + (e[c] + (e[c] >= 0 ? 8 : -8)) / 16, 0, 255);
             const int index = cache.find(v[0], v[1], v[2]);
             SetRaw(d, x, out.bitCount(), static_cast<uint32_t>(index));
             const int chosen[3] = {table[index].r, table[index].g, table[index].b};
+            // Which neighbours take a share: ahead on this row, behind, under and ahead below.
+            const int ahead = x + dir, behind = x - dir;
+            const bool toAhead = ahead >= 0 && ahead < w && alike(p, row + static_cast<size_t>(ahead) * step);
+            const bool hasBelow = below != nullptr;
+            const bool toBehindBelow = hasBelow && behind >= 0 && behind < w && alike(p, below + static_cast<size_t>(behind) * step);
+            const bool toBelow = hasBelow && alike(p, below + static_cast<size_t>(x) * step);
+            const bool toAheadBelow = hasBelow && ahead >= 0 && ahead < w && alike(p, below + static_cast<size_t>(ahead) * step);
             for (int c = 0; c < 3; ++c) {
-                const int err = std::clamp((v[c] - chosen[c]) * keep / 16, -limit, limit);
-                current[static_cast<size_t>(x + 1 + dir) * 3 + c] += err * 7;
-                next[static_cast<size_t>(x + 1 - dir) * 3 + c] += err * 3;
-                next[static_cast<size_t>(x + 1) * 3 + c] += err * 5;
-                next[static_cast<size_t>(x + 1 + dir) * 3 + c] += err;
+                const int err = v[c] - chosen[c];
+                if (toAhead) current[static_cast<size_t>(ahead + 1) * 3 + c] += err * 7;
+                if (toBehindBelow) next[static_cast<size_t>(behind + 1) * 3 + c] += err * 3;
+                if (toBelow) next[static_cast<size_t>(x + 1) * 3 + c] += err * 5;
+                if (toAheadBelow) next[static_cast<size_t>(ahead + 1) * 3 + c] += err;
             }
         }
         std::swap(current, next);
@@ -296,8 +323,8 @@ bool mif::quantize(int count, int method, const MifLogPalette* palette) {
         ParallelRows(height(), rowWork * 8, [&](int begin, int end) {
             switch (method) {
             case kQuantizeNearest: MapNearest(src, out, table, begin, end); break;
-            case kQuantizeDiffusion: MapDiffusion(src, out, table, begin, end, 16, 255); break;
-            case kQuantizeDiffusionSoft: MapDiffusion(src, out, table, begin, end, 12, 24); break;
+            case kQuantizeDiffusion: MapDiffusion(src, out, table, begin, end, 0); break;
+            case kQuantizeDiffusionSoft: MapDiffusion(src, out, table, begin, end, kBleedLimit); break;
             default: MapPattern(src, out, table, begin, end); break;
             }
         });
