@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -187,6 +188,21 @@ inline std::string ExifToolValue(const std::string& tag, const std::filesystem::
                                  const std::filesystem::path& scratch, bool numeric) {
     return Capture(std::string("exiftool -s3 ") + (numeric ? "-n " : "") + "-" + tag + " '" + file.string() + "'",
                    scratch);
+}
+
+// Every tag exiftool finds in a file, by name, in one run ("Name: value" lines).
+inline std::map<std::string, std::string> ExifToolAll(const std::filesystem::path& file,
+                                                      const std::filesystem::path& scratch, bool numeric) {
+    std::map<std::string, std::string> tags;
+    const std::string text =
+        Capture(std::string("exiftool -s2 ") + (numeric ? "-n " : "") + "'" + file.string() + "'", scratch) + "\n";
+    size_t at = 0;
+    for (size_t end; (end = text.find('\n', at)) != std::string::npos; at = end + 1) {
+        const std::string line = text.substr(at, end - at);
+        const size_t colon = line.find(": ");
+        if (colon != std::string::npos) tags.emplace(line.substr(0, colon), line.substr(colon + 2));
+    }
+    return tags;
 }
 
 }  // namespace lxtest
