@@ -16,15 +16,17 @@ namespace lx {
 // One quantisation table prepared for the transform: reciprocal divisors and, for each
 // transform output, its place in zigzag order. Both follow the transform's output order.
 struct DctQuantizer {
-    alignas(32) float reciprocal[64];
+    alignas(16) float reciprocal[64];
     uint8_t zigzagPlace[64];
 };
 
 DctQuantizer MakeDctQuantizer(const QuantTable& table);
 
-// Transforms the 8x8 samples starting at `samples` (rows `stride` bytes apart), levels
-// shifted by -128, and stores the quantised coefficients in zigzag order.
-void ForwardDctQuantize(const uint8_t* samples, ptrdiff_t stride, const DctQuantizer& quantizer,
-                        int16_t* zigzag);
+// Samples as the transform takes them: level-shifted to -128..127, as floats.
+void LevelShiftRow(const uint8_t* samples, int count, float* out);
+
+// Transforms the 8x8 level-shifted samples starting at `samples` (rows `stride` floats
+// apart, 16-byte aligned) and stores the quantised coefficients in zigzag order.
+void ForwardDctQuantize(const float* samples, ptrdiff_t stride, const DctQuantizer& quantizer, int16_t* zigzag);
 
 }  // namespace lx

@@ -11,17 +11,49 @@ constexpr int32_t kChromaOffset = 128 << 16;
 
 }  // namespace
 
+namespace {
+
+// Each output is a sum of three per-channel terms; tables of the terms for every
+// channel value (with the rounding and offsets folded into one of them) save the
+// multiplications.
+struct YccTerms {
+    int32_t yr[256], yg[256], yb[256];
+    int32_t cbr[256], cbg[256], cbb[256];  // cbb doubles as the red term of Cr
+    int32_t crg[256], crb[256];
+    YccTerms() {
+        for (int i = 0; i < 256; ++i) {
+            yr[i] = Fix(0.29900) * i;
+            yg[i] = Fix(0.58700) * i;
+            yb[i] = Fix(0.11400) * i + kHalf;
+            cbr[i] = -Fix(0.16874) * i;
+            cbg[i] = -Fix(0.33126) * i;
+            // The chroma sums stop one short of a half so that the largest value stays 255.
+            cbb[i] = Fix(0.5) * i + kChromaOffset + kHalf - 1;
+            crg[i] = -Fix(0.41869) * i;
+            crb[i] = -Fix(0.08131) * i;
+        }
+    }
+};
+
+template <int kPixelBytes>
+void ConvertPixels(const uint8_t* bgr, int width, uint8_t* y, uint8_t* cb, uint8_t* cr) {
+    static const YccTerms t;
+    for (int x = 0; x < width; ++x, bgr += kPixelBytes) {
+        const int b = bgr[0], g = bgr[1], r = bgr[2];
+        y[x] = static_cast<uint8_t>((t.yr[r] + t.yg[g] + t.yb[b]) >> 16);
+        cb[x] = static_cast<uint8_t>((t.cbr[r] + t.cbg[g] + t.cbb[b]) >> 16);
+        cr[x] = static_cast<uint8_t>((t.cbb[r] + t.crg[g] + t.crb[b]) >> 16);
+    }
+}
+
+}  // namespace
+
 void ConvertRowToYcc(const uint8_t* bgr, int pixelBytes, int width, int paddedWidth, uint8_t* y,
                      uint8_t* cb, uint8_t* cr) {
-    for (int x = 0; x < width; ++x, bgr += pixelBytes) {
-        const int32_t b = bgr[0], g = bgr[1], r = bgr[2];
-        y[x] = static_cast<uint8_t>((Fix(0.29900) * r + Fix(0.58700) * g + Fix(0.11400) * b + kHalf) >> 16);
-        // The chroma sums stop one short of a half so that the largest value stays 255.
-        cb[x] = static_cast<uint8_t>(
-            (-Fix(0.16874) * r - Fix(0.33126) * g + Fix(0.5) * b + kChromaOffset + kHalf - 1) >> 16);
-        cr[x] = static_cast<uint8_t>(
-            (Fix(0.5) * r - Fix(0.41869) * g - Fix(0.08131) * b + kChromaOffset + kHalf - 1) >> 16);
-    }
+    if (pixelBytes == 4)
+        ConvertPixels<4>(bgr, width, y, cb, cr);
+    else
+        ConvertPixels<3>(bgr, width, y, cb, cr);
     std::fill(y + width, y + paddedWidth, y[width - 1]);
     std::fill(cb + width, cb + paddedWidth, cb[width - 1]);
     std::fill(cr + width, cr + paddedWidth, cr[width - 1]);

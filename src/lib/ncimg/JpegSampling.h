@@ -13,7 +13,7 @@
 
 namespace lx {
 
-// Converts `width` pixels (blue, green, red first in each `pixelBytes`-byte pixel) and
+// Converts `width` pixels (blue, green, red first in each pixel of 3 or 4 bytes) and
 // repeats the last converted sample up to `paddedWidth`.
 void ConvertRowToYcc(const uint8_t* bgr, int pixelBytes, int width, int paddedWidth, uint8_t* y,
                      uint8_t* cb, uint8_t* cr);

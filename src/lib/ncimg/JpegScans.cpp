@@ -2,6 +2,10 @@
 
 #include <cstdlib>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace lx {
 namespace {
 
@@ -50,14 +54,29 @@ inline Magnitude Split(int value) {
     return {size, extra};
 }
 
+// Bit k set when zigzag coefficient k is non-zero.
+inline uint64_t NonzeroMask(const int16_t* zz) {
+    uint64_t mask = 0;
+#if defined(__SSE2__)
+    const __m128i zero = _mm_setzero_si128();
+    for (int k = 0; k < 64; k += 16) {
+        const __m128i a = _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(zz + k)), zero);
+        const __m128i b = _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(zz + k + 8)), zero);
+        mask |= static_cast<uint64_t>(~_mm_movemask_epi8(_mm_packs_epi16(a, b)) & 0xffff) << k;
+    }
+#else
+    for (int k = 0; k < 64; ++k) mask |= static_cast<uint64_t>(zz[k] != 0) << k;
+#endif
+    return mask;
+}
+
 template <class Sink>
 inline void CodeSequentialBlock(const int16_t* zz, int& predictor, int slot, Sink& sink) {
     const Magnitude dc = Split(zz[0] - predictor);
     predictor = zz[0];
     sink.dc(slot, dc.size, dc.extra, dc.size);
 
-    uint64_t nonzero = 0;
-    for (int k = 1; k < 64; ++k) nonzero |= static_cast<uint64_t>(zz[k] != 0) << k;
+    uint64_t nonzero = NonzeroMask(zz) & ~uint64_t{1};
     int last = 0;
     while (nonzero) {
         const int k = __builtin_ctzll(nonzero);
@@ -72,14 +91,7 @@ inline void CodeSequentialBlock(const int16_t* zz, int& predictor, int slot, Sin
 }
 
 template <class Sink>
-void RunSequential(const JpegFrame& frame, int rowBegin, int rowEnd, Sink& sink) {
-    int predictor[4] = {};
-    if (rowBegin > 0) {
-        for (size_t c = 0; c < frame.components.size(); ++c) {
-            const JpegComponent& comp = frame.components[c];
-            predictor[c] = comp.block(frame.mcusAcross * comp.hSampling - 1, rowBegin * comp.vSampling - 1)[0];
-        }
-    }
+void RunSequential(const JpegFrame& frame, int rowBegin, int rowEnd, int* predictor, Sink& sink) {
     for (int my = rowBegin; my < rowEnd; ++my) {
         for (int mx = 0; mx < frame.mcusAcross; ++mx) {
             for (size_t c = 0; c < frame.components.size(); ++c) {
@@ -226,14 +238,24 @@ private:
 
 }  // namespace
 
-void CountSequential(const JpegFrame& frame, int rowBegin, int rowEnd, ScanCounts& counts) {
-    CountingSink sink(counts);
-    RunSequential(frame, rowBegin, rowEnd, sink);
+DcPredictors PredictorsAfterRow(const JpegFrame& frame, int row) {
+    DcPredictors p;
+    for (size_t c = 0; c < frame.components.size(); ++c) {
+        const JpegComponent& comp = frame.components[c];
+        p.value[c] = comp.block(frame.mcusAcross * comp.hSampling - 1, (row + 1) * comp.vSampling - 1)[0];
+    }
+    return p;
 }
 
-void EncodeSequential(const JpegFrame& frame, int rowBegin, int rowEnd, const ScanCodes& codes, BitStream& out) {
+void CountSequential(const JpegFrame& frame, int rowBegin, int rowEnd, DcPredictors& predictors, ScanCounts& counts) {
+    CountingSink sink(counts);
+    RunSequential(frame, rowBegin, rowEnd, predictors.value, sink);
+}
+
+void EncodeSequential(const JpegFrame& frame, int rowBegin, int rowEnd, DcPredictors& predictors,
+                      const ScanCodes& codes, BitStream& out) {
     WritingSink sink(codes, out);
-    RunSequential(frame, rowBegin, rowEnd, sink);
+    RunSequential(frame, rowBegin, rowEnd, predictors.value, sink);
 }
 
 std::vector<ProgressiveScan> StandardProgression(int componentCount) {

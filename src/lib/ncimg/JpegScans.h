@@ -20,17 +20,24 @@ struct JpegComponent {
     int tableIndex = 0;                        // 0 luminance, 1 chrominance tables
     int widthInBlocks = 0, heightInBlocks = 0;  // blocks covering real samples
     int blocksAcross = 0, blocksDown = 0;       // padded out to whole MCUs
+    // The coefficients held: all block rows, or (when coding while transforming) only
+    // those of one MCU row, starting at block row firstBlockRow.
+    int firstBlockRow = 0;
     std::vector<int16_t> coefficients;
 
-    int16_t* block(int bx, int by) { return coefficients.data() + (static_cast<size_t>(by) * blocksAcross + bx) * 64; }
-    const int16_t* block(int bx, int by) const {
-        return coefficients.data() + (static_cast<size_t>(by) * blocksAcross + bx) * 64;
+    int16_t* block(int bx, int by) { return coefficients.data() + offset(bx, by); }
+    const int16_t* block(int bx, int by) const { return coefficients.data() + offset(bx, by); }
+
+private:
+    size_t offset(int bx, int by) const {
+        return (static_cast<size_t>(by - firstBlockRow) * blocksAcross + bx) * 64;
     }
 };
 
 struct JpegFrame {
     int width = 0, height = 0;
     int mcusAcross = 0, mcusDown = 0;
+    int heldMcuRows = 0;  // mcusDown, or 1 when the coefficients are held one MCU row at a time
     std::vector<JpegComponent> components;
 };
 
@@ -44,11 +51,20 @@ struct ScanCounts {
     SymbolCounts ac[2]{};
 };
 
+// The DC predictors of a sequential scan, one per component.
+struct DcPredictors {
+    int value[4] = {};
+};
+
+// The predictors as they stand once MCU row `row` has been coded, so that a later range
+// of rows can be coded separately and still join up into one scan.
+DcPredictors PredictorsAfterRow(const JpegFrame& frame, int row);
+
 // The sequential scan over MCU rows [rowBegin, rowEnd): all components, interleaved when
-// there are several. The DC predictors start from the MCU before rowBegin, so ranges
-// coded separately join up into one scan.
-void CountSequential(const JpegFrame& frame, int rowBegin, int rowEnd, ScanCounts& counts);
-void EncodeSequential(const JpegFrame& frame, int rowBegin, int rowEnd, const ScanCodes& codes, BitStream& out);
+// there are several.
+void CountSequential(const JpegFrame& frame, int rowBegin, int rowEnd, DcPredictors& predictors, ScanCounts& counts);
+void EncodeSequential(const JpegFrame& frame, int rowBegin, int rowEnd, DcPredictors& predictors,
+                      const ScanCodes& codes, BitStream& out);
 
 // One scan of a progressive frame.
 struct ProgressiveScan {

@@ -53,7 +53,9 @@ private:
     std::array<uint8_t, 256> greyOf_;
 };
 
-JpegFrame PlanFrame(int width, int height, bool grey) {
+// The frame's geometry, with room for the coefficients of every MCU row, or of one
+// (`wholeImage` false) when each row is coded as soon as it is transformed.
+JpegFrame PlanFrame(int width, int height, bool grey, bool wholeImage) {
     auto blocks = [](int samples) { return (samples + 7) / 8; };
     JpegFrame frame;
     frame.width = width;
@@ -61,6 +63,7 @@ JpegFrame PlanFrame(int width, int height, bool grey) {
     const int mcuSide = grey ? 8 : 16;
     frame.mcusAcross = (width + mcuSide - 1) / mcuSide;
     frame.mcusDown = (height + mcuSide - 1) / mcuSide;
+    frame.heldMcuRows = wholeImage ? frame.mcusDown : 1;
     const int componentCount = grey ? 1 : 3;
     for (int c = 0; c < componentCount; ++c) {
         JpegComponent comp;
@@ -73,7 +76,7 @@ JpegFrame PlanFrame(int width, int height, bool grey) {
         comp.heightInBlocks = blocks((height + divisor - 1) / divisor);
         comp.blocksAcross = frame.mcusAcross * comp.hSampling;
         comp.blocksDown = frame.mcusDown * comp.vSampling;
-        comp.coefficients.resize(static_cast<size_t>(comp.blocksAcross) * comp.blocksDown * 64);
+        comp.coefficients.resize(static_cast<size_t>(comp.blocksAcross) * frame.heldMcuRows * comp.vSampling * 64);
         frame.components.push_back(std::move(comp));
     }
     return frame;
@@ -91,9 +94,12 @@ public:
         width_ = 8 * full.blocksAcross;
         for (size_t c = 0; c < frame.components.size(); ++c) planes_[c].resize(static_cast<size_t>(rows_ + 2) * width_);
         work_.resize(static_cast<size_t>(rows_) * width_);
+        band_.resize(static_cast<size_t>(8) * width_);
     }
 
     void make(int mcuRow) {
+        if (frame_.heldMcuRows == 1)
+            for (JpegComponent& comp : frame_.components) comp.firstBlockRow = mcuRow * comp.vSampling;
         readRows(mcuRow);
         JpegComponent& full = frame_.components[0];
         const uint8_t* luma = plane(0, 0);
@@ -145,9 +151,10 @@ private:
     void transform(JpegComponent& comp, int mcuRow, const uint8_t* samples, int stride) {
         const DctQuantizer& q = quantizers_[comp.tableIndex];
         for (int y = 0; y < comp.vSampling; ++y) {
+            for (int r = 0; r < 8; ++r)
+                LevelShiftRow(samples + static_cast<size_t>(y * 8 + r) * stride, stride, band_.data() + r * stride);
             const int by = mcuRow * comp.vSampling + y;
-            for (int bx = 0; bx < comp.blocksAcross; ++bx)
-                ForwardDctQuantize(samples + static_cast<size_t>(y) * 8 * stride + bx * 8, stride, q, comp.block(bx, by));
+            for (int bx = 0; bx < comp.blocksAcross; ++bx) ForwardDctQuantize(band_.data() + bx * 8, stride, q, comp.block(bx, by));
         }
     }
 
@@ -174,6 +181,7 @@ private:
     int rows_ = 0, width_ = 0;
     std::vector<uint8_t> planes_[3];
     std::vector<uint8_t> work_;
+    std::vector<float> band_;  // eight rows of samples ready for the DCT
 };
 
 // Runs fn(begin, end, part) over contiguous parts of [0, count) on up to as many threads
@@ -273,44 +281,90 @@ void AddCounts(ScanCounts& into, const ScanCounts& from) {
         }
 }
 
-// One sequential scan: tables (standard, or optimal for these coefficients), header and
-// data. MCU rows are counted and coded in parallel parts whose bits are then joined.
-void PutSequentialScan(std::vector<uint8_t>& out, const JpegFrame& frame, bool optimize) {
-    const int slots = TableSlots(frame);
-    HuffmanSpec dcSpec[2], acSpec[2];
-    if (optimize) {
-        std::vector<ScanCounts> partCounts(8);
-        const int parts = ForEachPart(frame.mcusDown, 8, [&](int begin, int end, int part) {
-            CountSequential(frame, begin, end, partCounts[part]);
-        });
-        for (int p = 1; p < parts; ++p) AddCounts(partCounts[0], partCounts[p]);
-        for (int s = 0; s < slots; ++s) {
-            dcSpec[s] = OptimalSpec(partCounts[0].dc[s]);
-            acSpec[s] = OptimalSpec(partCounts[0].ac[s]);
-        }
-    } else {
-        for (int s = 0; s < slots; ++s) {
-            dcSpec[s] = StandardDcSpec(s);
-            acSpec[s] = StandardAcSpec(s);
-        }
-    }
+struct SampleSource {
+    const PackedDib& dib;
+    const DctQuantizer (&quantizers)[2];
+    int smoothing;
+};
+
+// Transforms the whole image into the frame's coefficient store, in parallel parts.
+void MakeAllCoefficients(JpegFrame& frame, const SampleSource& source) {
+    ForEachPart(frame.mcusDown, 4, [&](int begin, int end, int) {
+        CoefficientMaker maker(source.dib, frame, source.quantizers, source.smoothing);
+        for (int row = begin; row < end; ++row) maker.make(row);
+    });
+}
+
+// Writes the tables of a sequential scan and returns the codes made from them.
+ScanCodes PutSequentialTables(std::vector<uint8_t>& out, const JpegFrame& frame, const HuffmanSpec (&dc)[2],
+                              const HuffmanSpec (&ac)[2]) {
     ScanCodes codes;
-    for (int s = 0; s < slots; ++s) {
-        PutHuffmanTable(out, false, s, dcSpec[s]);
-        PutHuffmanTable(out, true, s, acSpec[s]);
-        codes.dc[s] = MakeCodes(dcSpec[s]);
-        codes.ac[s] = MakeCodes(acSpec[s]);
+    for (int s = 0; s < TableSlots(frame); ++s) {
+        PutHuffmanTable(out, false, s, dc[s]);
+        PutHuffmanTable(out, true, s, ac[s]);
+        codes.dc[s] = MakeCodes(dc[s]);
+        codes.ac[s] = MakeCodes(ac[s]);
     }
     std::vector<int> all(frame.components.size());
     for (size_t c = 0; c < all.size(); ++c) all[c] = static_cast<int>(c);
     PutScanHeader(out, frame, all, 0, 63, 0, 0);
+    return codes;
+}
 
+void JoinParts(std::vector<uint8_t>& out, std::vector<BitStream>& parts, int count) {
+    for (int p = 1; p < count; ++p) parts[0].append(parts[p]);
+    parts[0].appendStuffed(out);
+}
+
+// The sequential scan with the example tables. Nothing needs the whole image's
+// coefficients, so each part codes every MCU row right after transforming it; a part
+// that starts mid-image first transforms the row before it to learn the DC predictors.
+void PutStandardScan(std::vector<uint8_t>& out, const JpegFrame& frame, const SampleSource& source) {
+    HuffmanSpec dc[2], ac[2];
+    for (int s = 0; s < 2; ++s) {
+        dc[s] = StandardDcSpec(s);
+        ac[s] = StandardAcSpec(s);
+    }
+    const ScanCodes codes = PutSequentialTables(out, frame, dc, ac);
     std::vector<BitStream> partBits(8);
     const int parts = ForEachPart(frame.mcusDown, 8, [&](int begin, int end, int part) {
-        EncodeSequential(frame, begin, end, codes, partBits[part]);
+        JpegFrame rows = PlanFrame(frame.width, frame.height, frame.components.size() == 1, false);
+        CoefficientMaker maker(source.dib, rows, source.quantizers, source.smoothing);
+        DcPredictors predictors;
+        if (begin > 0) {
+            maker.make(begin - 1);
+            predictors = PredictorsAfterRow(rows, begin - 1);
+        }
+        partBits[part].reserveBytes(static_cast<size_t>(end - begin) * frame.mcusAcross * 64);
+        for (int row = begin; row < end; ++row) {
+            maker.make(row);
+            EncodeSequential(rows, row, row + 1, predictors, codes, partBits[part]);
+        }
     });
-    for (int p = 1; p < parts; ++p) partBits[0].append(partBits[p]);
-    partBits[0].appendStuffed(out);
+    JoinParts(out, partBits, parts);
+}
+
+// The sequential scan with tables made for this image: count in parallel parts, build
+// the tables, then code in the same parts.
+void PutOptimizedScan(std::vector<uint8_t>& out, const JpegFrame& frame) {
+    std::vector<ScanCounts> partCounts(8);
+    const int parts = ForEachPart(frame.mcusDown, 8, [&](int begin, int end, int part) {
+        DcPredictors predictors = begin > 0 ? PredictorsAfterRow(frame, begin - 1) : DcPredictors();
+        CountSequential(frame, begin, end, predictors, partCounts[part]);
+    });
+    for (int p = 1; p < parts; ++p) AddCounts(partCounts[0], partCounts[p]);
+    HuffmanSpec dc[2], ac[2];
+    for (int s = 0; s < TableSlots(frame); ++s) {
+        dc[s] = OptimalSpec(partCounts[0].dc[s]);
+        ac[s] = OptimalSpec(partCounts[0].ac[s]);
+    }
+    const ScanCodes codes = PutSequentialTables(out, frame, dc, ac);
+    std::vector<BitStream> partBits(8);
+    ForEachPart(frame.mcusDown, 8, [&](int begin, int end, int part) {
+        DcPredictors predictors = begin > 0 ? PredictorsAfterRow(frame, begin - 1) : DcPredictors();
+        EncodeSequential(frame, begin, end, predictors, codes, partBits[part]);
+    });
+    JoinParts(out, partBits, parts);
 }
 
 void PutProgressiveScans(std::vector<uint8_t>& out, const JpegFrame& frame) {
@@ -345,13 +399,12 @@ std::vector<uint8_t> EncodeJpeg(const PackedDib& dib, const JpegSaveRecord& reco
     const int quality = std::clamp(record.quality, 1, 100);
     const int smoothing = std::clamp(record.smoothing, 0, 100);
 
-    JpegFrame frame = PlanFrame(dib.width(), dib.height(), grey);
+    const bool progressive = record.progressive != 0;
+    const bool optimize = !progressive && record.optimizeHuffman != 0;
+    JpegFrame frame = PlanFrame(dib.width(), dib.height(), grey, progressive || optimize);
     const QuantTable tables[2] = {ScaledQuantTable(0, quality), ScaledQuantTable(1, quality)};
     const DctQuantizer quantizers[2] = {MakeDctQuantizer(tables[0]), MakeDctQuantizer(tables[1])};
-    ForEachPart(frame.mcusDown, 4, [&](int begin, int end, int) {
-        CoefficientMaker maker(dib, frame, quantizers, smoothing);
-        for (int row = begin; row < end; ++row) maker.make(row);
-    });
+    const SampleSource source{dib, quantizers, smoothing};
 
     std::vector<uint8_t> out;
     out.reserve(static_cast<size_t>(dib.width()) * dib.height() / 4 + 1024);
@@ -359,12 +412,14 @@ std::vector<uint8_t> EncodeJpeg(const PackedDib& dib, const JpegSaveRecord& reco
     out.push_back(0xd8);
     PutJfifHeader(out, dib);
     for (int s = 0; s < TableSlots(frame); ++s) PutQuantTable(out, s, tables[s]);
-    const bool progressive = record.progressive != 0;
     PutFrameHeader(out, frame, progressive);
+    if (progressive || optimize) MakeAllCoefficients(frame, source);
     if (progressive)
         PutProgressiveScans(out, frame);
+    else if (optimize)
+        PutOptimizedScan(out, frame);
     else
-        PutSequentialScan(out, frame, record.optimizeHuffman != 0);
+        PutStandardScan(out, frame, source);
     out.push_back(0xff);
     out.push_back(0xd9);
     return out;
