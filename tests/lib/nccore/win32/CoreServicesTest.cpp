@@ -153,18 +153,57 @@ TEST(ToolBar, MadeFromATemplateWithSeparators) {
     EXPECT_EQ(lx::CreateToolBarFromResource(nullptr, GetModuleHandleW(nullptr), 31999, WS_CHILD, 1), nullptr);
 }
 
-TEST(ImageListStrip, CutsASystemStripAndFailsOnAMissingBitmap) {
-    EXPECT_EQ(lx::LoadImageListStrip(GetModuleHandleW(nullptr), 16, 31999, 1, CLR_NONE), nullptr);
-    // The system's small standard strip stands in for a module bitmap.
-    HINSTANCE comctl = GetModuleHandleW(L"comctl32.dll");
-    ASSERT_NE(comctl, nullptr);
-    HIMAGELIST list = lx::LoadImageListStrip(comctl, 16, 120 /* IDB_STD_SMALL_COLOR's bitmap */, 1, 0xff00ff);
-    if (list == nullptr) GTEST_SKIP() << "comctl32 holds no standard strip here";
-    EXPECT_GT(ImageList_GetImageCount(list), 1);
+// The stand-in module carries tool bar 300: images 16 x 16, commands 2001, separator, 2002,
+// 2003, over a strip of three squares (red, green, blue) framed in magenta.
+class ResourceModule : public ::testing::Test {
+protected:
+    void SetUp() override {
+        module_ = LoadLibraryW((TestProgramFolder() / "runprobe.dll").c_str());
+        ASSERT_NE(module_, nullptr);
+    }
+    void TearDown() override { FreeLibrary(module_); }
+    HMODULE module_ = nullptr;
+};
+
+TEST_F(ResourceModule, ImageListStripIsCutIntoImagesWithTheMaskColour) {
+    HIMAGELIST list = lx::LoadImageListStrip(module_, 16, 300, 1, 0xff00ff);
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(ImageList_GetImageCount(list), 3);
     int cx = 0, cy = 0;
     ImageList_GetIconSize(list, &cx, &cy);
     EXPECT_EQ(cx, 16);
+    EXPECT_EQ(cy, 16);
+    // Drawn over white, the magenta frame is transparent and the square keeps its colour.
+    HDC screen = GetDC(nullptr);
+    HDC dc = CreateCompatibleDC(screen);
+    HBITMAP target = CreateCompatibleBitmap(screen, 16, 16);
+    ReleaseDC(nullptr, screen);
+    HGDIOBJ old = SelectObject(dc, target);
+    RECT all = {0, 0, 16, 16};
+    FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    ImageList_Draw(list, 1, dc, 0, 0, ILD_TRANSPARENT);
+    EXPECT_EQ(GetPixel(dc, 0, 0), RGB(255, 255, 255));
+    EXPECT_EQ(GetPixel(dc, 8, 8), RGB(0, 255, 0));
+    SelectObject(dc, old);
+    DeleteObject(target);
+    DeleteDC(dc);
     ImageList_Destroy(list);
+
+    EXPECT_EQ(lx::LoadImageListStrip(module_, 16, 31999, 1, CLR_NONE), nullptr);
+}
+
+TEST_F(ResourceModule, ToolBarComesFromTheResource) {
+    HWND parent = CreateWindowExW(0, L"STATIC", L"host", WS_OVERLAPPEDWINDOW, 0, 0, 300, 200, nullptr, nullptr,
+                                  nullptr, nullptr);
+    HWND bar = lx::CreateToolBarFromResource(parent, module_, 300, WS_CHILD | WS_VISIBLE | TBSTYLE_FLAT, 59392);
+    ASSERT_NE(bar, nullptr);
+    ASSERT_EQ(SendMessageW(bar, TB_BUTTONCOUNT, 0, 0), 4);
+    TBBUTTON last = {};
+    SendMessageW(bar, TB_GETBUTTON, 3, reinterpret_cast<LPARAM>(&last));
+    EXPECT_EQ(last.idCommand, 2003);
+    EXPECT_EQ(last.iBitmap, 2);
+    EXPECT_EQ(lx::CreateToolBarFromResource(parent, module_, 31999, WS_CHILD, 1), nullptr);
+    DestroyWindow(parent);
 }
 
 }  // namespace
