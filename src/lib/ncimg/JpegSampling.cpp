@@ -13,36 +13,31 @@ constexpr int32_t kChromaOffset = 128 << 16;
 
 namespace {
 
-// Each output is a sum of three per-channel terms; tables of the terms for every
-// channel value (with the rounding and offsets folded into one of them) save the
-// multiplications.
-struct YccTerms {
-    int32_t yr[256], yg[256], yb[256];
-    int32_t cbr[256], cbg[256], cbb[256];  // cbb doubles as the red term of Cr
-    int32_t crg[256], crb[256];
-    YccTerms() {
-        for (int i = 0; i < 256; ++i) {
-            yr[i] = Fix(0.29900) * i;
-            yg[i] = Fix(0.58700) * i;
-            yb[i] = Fix(0.11400) * i + kHalf;
-            cbr[i] = -Fix(0.16874) * i;
-            cbg[i] = -Fix(0.33126) * i;
-            // The chroma sums stop one short of a half so that the largest value stays 255.
-            cbb[i] = Fix(0.5) * i + kChromaOffset + kHalf - 1;
-            crg[i] = -Fix(0.41869) * i;
-            crb[i] = -Fix(0.08131) * i;
-        }
-    }
-};
-
+// Pixels are first split into planes in short runs; the arithmetic over the planes then
+// runs several pixels per instruction. Single-precision products of 8-bit values with
+// 16-bit fractions are exact, so this matches the fixed-point equations bit for bit.
 template <int kPixelBytes>
 void ConvertPixels(const uint8_t* bgr, int width, uint8_t* y, uint8_t* cb, uint8_t* cr) {
-    static const YccTerms t;
-    for (int x = 0; x < width; ++x, bgr += kPixelBytes) {
-        const int b = bgr[0], g = bgr[1], r = bgr[2];
-        y[x] = static_cast<uint8_t>((t.yr[r] + t.yg[g] + t.yb[b]) >> 16);
-        cb[x] = static_cast<uint8_t>((t.cbr[r] + t.cbg[g] + t.cbb[b]) >> 16);
-        cr[x] = static_cast<uint8_t>((t.cbb[r] + t.crg[g] + t.crb[b]) >> 16);
+    constexpr int kRun = 256;
+    uint8_t b[kRun], g[kRun], r[kRun];
+    for (int x0 = 0; x0 < width; x0 += kRun) {
+        const int n = std::min(kRun, width - x0);
+        const uint8_t* p = bgr + static_cast<size_t>(x0) * kPixelBytes;
+        for (int i = 0; i < n; ++i) {
+            b[i] = p[kPixelBytes * i];
+            g[i] = p[kPixelBytes * i + 1];
+            r[i] = p[kPixelBytes * i + 2];
+        }
+        for (int i = 0; i < n; ++i) {
+            const float rf = r[i], gf = g[i], bf = b[i];
+            y[x0 + i] = static_cast<uint8_t>(static_cast<int32_t>(
+                Fix(0.29900) * rf + Fix(0.58700) * gf + Fix(0.11400) * bf + kHalf) >> 16);
+            // The chroma sums stop one short of a half so that the largest value stays 255.
+            cb[x0 + i] = static_cast<uint8_t>(static_cast<int32_t>(
+                -Fix(0.16874) * rf - Fix(0.33126) * gf + Fix(0.5) * bf + (kChromaOffset + kHalf - 1)) >> 16);
+            cr[x0 + i] = static_cast<uint8_t>(static_cast<int32_t>(
+                Fix(0.5) * rf - Fix(0.41869) * gf - Fix(0.08131) * bf + (kChromaOffset + kHalf - 1)) >> 16);
+        }
     }
 }
 
