@@ -35,12 +35,17 @@ public:
     std::string text;
 };
 
-// Runs the writer in the worker's order over `files`; returns the document.
-std::string Compose(const std::vector<fs::path>& files, int* pages = nullptr, bool* written = nullptr) {
-    lx::JpegPdfWriter writer;
+// The worker's first steps: A4 portrait, the free xref entry, the header.
+void Begin(lx::JpegPdfWriter& writer) {
     writer.SetPageSize(595, 841);
     writer.WriteFreeXrefEntry();
     writer.ComposeHeader();
+}
+
+// Runs the writer in the worker's order over `files`; returns the document.
+std::string Compose(const std::vector<fs::path>& files, int* pages = nullptr, bool* written = nullptr) {
+    lx::JpegPdfWriter writer;
+    Begin(writer);
     for (const auto& f : files) writer.AddJpegFile(f);
     writer.FinishDocument();
     StringSink sink;
@@ -89,9 +94,7 @@ TEST(JpegPdfWriter, FinishReturnsTheDocumentLength) {
     const fs::path jpg = dir / "a.jpg";
     WriteFrameOnlyJpeg(jpg, 4000, 3000, 3, 1000);
     lx::JpegPdfWriter writer;
-    writer.SetPageSize(595, 841);
-    writer.WriteFreeXrefEntry();
-    writer.ComposeHeader();
+    Begin(writer);
     ASSERT_EQ(writer.AddJpegFile(jpg), 1);
     const int64_t length = writer.FinishDocument();
     StringSink sink;
@@ -189,9 +192,7 @@ TEST(JpegPdfWriter, HoldsExactly256Pages) {
     lxtest::ScratchDir dir("pdf256");
     const fs::path jpg = pdftest::MakeJpeg(dir.path(), "s.jpg", 8, 8);
     lx::JpegPdfWriter writer;
-    writer.SetPageSize(595, 841);
-    writer.WriteFreeXrefEntry();
-    writer.ComposeHeader();
+    Begin(writer);
     for (int i = 0; i < 256; ++i) ASSERT_EQ(writer.AddJpegFile(jpg), 1) << i;
     EXPECT_EQ(writer.AddJpegFile(jpg), 0);
     EXPECT_EQ(writer.AddImagePage(jpg, 8, 8, 100, true), 0);
@@ -223,18 +224,23 @@ TEST(JpegPdfWriter, CopiesTheJpegBytesUnchanged) {
     EXPECT_EQ(pdf.compare(at + marker.size() + jpeg.size(), 11, "\r\nendstream"), 0);
 }
 
-TEST(JpegPdfWriter, AFileThatCannotBeReadAgainCutsTheDocumentThere) {
-    lxtest::ScratchDir dir("pdfgone");
+// Two frame-only files of the given sizes, started and added in `writer`.
+std::pair<fs::path, fs::path> AddTwoPages(lx::JpegPdfWriter& writer, const lxtest::ScratchDir& dir, size_t size1,
+                                             size_t size2) {
     const fs::path first = dir / "1.jpg";
     const fs::path second = dir / "2.jpg";
-    WriteFrameOnlyJpeg(first, 30, 20, 3, 200);
-    WriteFrameOnlyJpeg(second, 30, 20, 3, 300);
+    WriteFrameOnlyJpeg(first, 30, 20, 3, size1);
+    WriteFrameOnlyJpeg(second, 30, 20, 3, size2);
+    Begin(writer);
+    EXPECT_EQ(writer.AddJpegFile(first), 1);
+    EXPECT_EQ(writer.AddJpegFile(second), 1);
+    return {first, second};
+}
+
+TEST(JpegPdfWriter, AFileThatCannotBeReadAgainCutsTheDocumentThere) {
+    lxtest::ScratchDir dir("pdfgone");
     lx::JpegPdfWriter writer;
-    writer.SetPageSize(595, 841);
-    writer.WriteFreeXrefEntry();
-    writer.ComposeHeader();
-    ASSERT_EQ(writer.AddJpegFile(first), 1);
-    ASSERT_EQ(writer.AddJpegFile(second), 1);
+    [[maybe_unused]] const auto [first, second] = AddTwoPages(writer, dir, 200, 300);
     writer.FinishDocument();
     fs::remove(second);
 
@@ -249,16 +255,8 @@ TEST(JpegPdfWriter, AFileThatCannotBeReadAgainCutsTheDocumentThere) {
 
 TEST(JpegPdfWriter, AFileThatChangedSizeIsCopiedForItsFirstLength) {
     lxtest::ScratchDir dir("pdfresize");
-    const fs::path grown = dir / "1.jpg";
-    const fs::path shrunk = dir / "2.jpg";
-    WriteFrameOnlyJpeg(grown, 30, 20, 3, 200);
-    WriteFrameOnlyJpeg(shrunk, 30, 20, 3, 200);
     lx::JpegPdfWriter writer;
-    writer.SetPageSize(595, 841);
-    writer.WriteFreeXrefEntry();
-    writer.ComposeHeader();
-    ASSERT_EQ(writer.AddJpegFile(grown), 1);
-    ASSERT_EQ(writer.AddJpegFile(shrunk), 1);
+    const auto [grown, shrunk] = AddTwoPages(writer, dir, 200, 200);
     const int64_t length = writer.FinishDocument();
     WriteFrameOnlyJpeg(grown, 30, 20, 3, 5000);
     WriteFrameOnlyJpeg(shrunk, 30, 20, 3, 50);
@@ -284,9 +282,7 @@ TEST(JpegPdfWriter, StopsAtTheFirstFailedWrite) {
     const fs::path jpg = dir / "1.jpg";
     WriteFrameOnlyJpeg(jpg, 30, 20, 3, 200);
     lx::JpegPdfWriter writer;
-    writer.SetPageSize(595, 841);
-    writer.WriteFreeXrefEntry();
-    writer.ComposeHeader();
+    Begin(writer);
     ASSERT_EQ(writer.AddJpegFile(jpg), 1);
     writer.FinishDocument();
     for (int allowed = 0; allowed < 4; ++allowed) {
