@@ -1,0 +1,372 @@
+// The rename dialog driven as a user would: the tool runs on the test's thread with the
+// real dialog, list view, message boxes and progress dialog, while a second thread picks
+// name items, reads the preview, presses buttons and answers questions. Photographs are
+// the exiftool-made files in photos/, copied to a scratch folder under new names.
+//
+// LX_SHOT_HOLD_MS=N keeps the filled dialog on screen N milliseconds for a screenshot.
+#include <windows.h>
+#include <commctrl.h>
+#include <shellapi.h>
+#include <shlobj.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstring>
+#include <functional>
+#include <map>
+#include <set>
+#include <thread>
+
+#include "ExifDateDlgIds.h"
+#include "ModuleResources.h"
+#include "RenameChoices.h"
+#include "RenameSystem.h"
+#include "SettingsStore.h"
+#include "TestFiles.h"
+#include "ToolWorkers.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const wchar_t* const kDialogTitle = L"撮影日時で名前変更";
+const wchar_t* const kMessageCaption = L"Exif変換";
+const wchar_t* const kExif = MAKEINTRESOURCEW(4407);
+const wchar_t* const kRename = MAKEINTRESOURCEW(4616);
+constexpr DWORD kNoValue = 0xDEADBEEF;
+
+bool WaitFor(const std::function<bool()>& condition, int milliseconds = 20000) {
+    for (int waited = 0; waited < milliseconds; waited += 50) {
+        if (condition()) return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    return condition();
+}
+
+HWND FindVisibleDialog(const wchar_t* title) {
+    HWND window = FindWindowW(L"#32770", title);
+    return window && IsWindowVisible(window) ? window : nullptr;
+}
+
+HWND WaitForDialog(const wchar_t* title) {
+    HWND found = nullptr;
+    WaitFor([&] { return (found = FindVisibleDialog(title)) != nullptr; });
+    return found;
+}
+
+// Every text of the window's children, joined by line feeds (a message box's message).
+std::wstring ChildTexts(HWND window) {
+    std::wstring texts;
+    EnumChildWindows(
+        window,
+        [](HWND child, LPARAM param) -> BOOL {
+            wchar_t text[512] = {};
+            GetWindowTextW(child, text, 512);
+            *reinterpret_cast<std::wstring*>(param) += std::wstring(text) + L"\n";
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&texts));
+    return texts;
+}
+
+std::wstring ItemText(HWND list, int item, int column) {
+    wchar_t text[512] = {};
+    LVITEMW lvi{};
+    lvi.iSubItem = column;
+    lvi.pszText = text;
+    lvi.cchTextMax = 512;
+    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(item), reinterpret_cast<LPARAM>(&lvi));
+    return text;
+}
+
+std::wstring ColumnTitle(HWND list, int column) {
+    wchar_t text[128] = {};
+    LVCOLUMNW lvc{};
+    lvc.mask = LVCF_TEXT;
+    lvc.pszText = text;
+    lvc.cchTextMax = 128;
+    ListView_GetColumn(list, column, &lvc);
+    return text;
+}
+
+// Selects entry `index` of a combo box as a user would, so the dialog hears of the change.
+void Choose(HWND dialog, int comboId, int index) {
+    HWND combo = GetDlgItem(dialog, comboId);
+    SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+    SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(comboId, CBN_SELCHANGE), reinterpret_cast<LPARAM>(combo));
+}
+
+int Selection(HWND dialog, int comboId) {
+    return static_cast<int>(SendDlgItemMessageW(dialog, comboId, CB_GETCURSEL, 0, 0));
+}
+
+std::vector<std::wstring> NewNames(HWND dialog) {
+    HWND list = GetDlgItem(dialog, IDC_EXIFDATE_LIST);
+    std::vector<std::wstring> names;
+    for (int i = 0; i < ListView_GetItemCount(list); ++i) names.push_back(ItemText(list, i, 2));
+    return names;
+}
+
+// The window with the keyboard focus on the thread that runs `window`.
+HWND FocusOf(HWND window) {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info);
+    return info.hwndFocus;
+}
+
+void Press(HWND window, int button) { PostMessageW(window, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), 0); }
+
+void HoldForScreenshot() {
+    if (const char* hold = std::getenv("LX_SHOT_HOLD_MS")) Sleep(static_cast<DWORD>(std::atoi(hold)));
+}
+
+HDROP MakeDrop(const std::vector<std::wstring>& paths) {
+    std::wstring names;
+    for (const std::wstring& path : paths) names.append(path).push_back(L'\0');
+    names.push_back(L'\0');
+    HGLOBAL block = GlobalAlloc(GMEM_FIXED | GMEM_ZEROINIT, sizeof(DROPFILES) + names.size() * sizeof(wchar_t));
+    auto* header = static_cast<DROPFILES*>(block);
+    header->pFiles = sizeof(DROPFILES);
+    header->fWide = TRUE;
+    std::memcpy(header + 1, names.data(), names.size() * sizeof(wchar_t));
+    return static_cast<HDROP>(block);
+}
+
+class ExifDateDlgTest : public ::testing::Test {
+protected:
+    void SetUp() override { savedSetting = settings.ReadNumber(kExif, kRename, kNoValue); }
+    void TearDown() override {
+        if (savedSetting == kNoValue) {
+            RegDeleteKeyValueW(HKEY_CURRENT_USER, L"software\\Northcape\\Applets\\lxpicture\\Exif", L"Rename");
+        } else {
+            settings.WriteNumber(kExif, kRename, savedSetting);
+        }
+    }
+
+    // Copies photos/<source> into the scratch folder as `name`; returns its full path.
+    std::wstring Photo(const std::string& source, const std::string& name) {
+        const fs::path from = lxtest::SourceDir() / "tests/batch/rename/win32/photos" / source;
+        fs::copy_file(from, dir / name);
+        return (dir / name).wstring();
+    }
+
+    std::set<std::wstring> Names() const {
+        std::set<std::wstring> names;
+        for (const auto& entry : fs::directory_iterator(dir.path())) names.insert(entry.path().filename().wstring());
+        return names;
+    }
+
+    std::multiset<std::vector<uint8_t>> Contents() const {
+        std::multiset<std::vector<uint8_t>> contents;
+        for (const auto& entry : fs::directory_iterator(dir.path())) contents.insert(lxtest::ReadFile(entry.path()));
+        return contents;
+    }
+
+    // Runs the tool on `files` here while `drive` works its dialogs from another thread. If
+    // the driver gives up, whatever is left open is cancelled so the tool returns.
+    void RunTool(const std::vector<std::wstring>& files, const std::function<void()>& drive) {
+        HDROP drop = MakeDrop(files);
+        std::thread driver([&] {
+            drive();
+            for (const wchar_t* title : {kMessageCaption, kDialogTitle}) {
+                if (WaitFor([&] { return !FindVisibleDialog(title); }, 5000)) continue;
+                ADD_FAILURE() << "a window was left open";
+                Press(FindVisibleDialog(title), IDCANCEL);
+            }
+        });
+        lx::RunRenameToExifDateTool(nullptr, drop);
+        driver.join();
+        GlobalFree(drop);
+    }
+
+    lx::SettingsStore settings;
+    DWORD savedSetting = kNoValue;
+    lxtest::ScratchDir dir{"rename-dlg"};
+};
+
+TEST(ExifDateStrings, TextsComeFromTheStringTable) {
+    EXPECT_EQ(lx::LoadResString(4108), L"撮影日時情報を持つExifファイルがありません。");
+    EXPECT_EQ(lx::LoadResString(4111),
+              L"選択されたファイルの名前をExif情報の撮影日時を用いて名前変更します。\n実行しますか？");
+    EXPECT_EQ(lx::LoadResString(4112), L"（なし）");
+    EXPECT_EQ(lx::LoadResString(4115), L"Nnnmmdd（和暦）");
+    EXPECT_EQ(lx::LoadResString(4123), L"ドキュメントの名前");
+    EXPECT_EQ(lx::LoadResString(4126), L"変更後の名前");
+}
+
+TEST_F(ExifDateDlgTest, ListsPreviewsRenamesAndStoresTheChoices) {
+    settings.WriteNumber(kExif, kRename, lx::PackRenameChoices({1, 0, 7, 0}));
+    const std::vector<std::wstring> files = {Photo("jun05.jpg", "jun05.jpg"), Photo("may07-a.jpg", "IMG10.jpg"),
+                                             Photo("plain.jpg", "plain.jpg"), Photo("may07-b.jpg", "IMG2.jpg"),
+                                             Photo("mar1990.jpg", "old.jpg")};
+    RunTool(files, [&] {
+        HWND dialog = WaitForDialog(kDialogTitle);
+        ASSERT_TRUE(dialog);
+        HWND list = GetDlgItem(dialog, IDC_EXIFDATE_LIST);
+        ASSERT_EQ(ListView_GetItemCount(list), 4);
+        EXPECT_EQ(ColumnTitle(list, 0), L"変更前の名前");
+        EXPECT_EQ(ColumnTitle(list, 1), L"撮影日時");
+        EXPECT_EQ(ColumnTitle(list, 2), L"変更後の名前");
+        EXPECT_EQ(ListView_GetColumnWidth(list, 2), 200);
+        // Oldest first; of the two taken in the same second, IMG2 before IMG10.
+        EXPECT_EQ(ItemText(list, 0, 0), L"old.jpg");
+        EXPECT_EQ(ItemText(list, 1, 0), L"IMG2.jpg");
+        EXPECT_EQ(ItemText(list, 2, 0), L"IMG10.jpg");
+        EXPECT_EQ(ItemText(list, 3, 0), L"jun05.jpg");
+        EXPECT_NE(ItemText(list, 1, 1).find(L"10:20:30"), std::wstring::npos) << ItemText(list, 1, 1);
+        // The stored choices are selected and already previewed.
+        EXPECT_EQ(Selection(dialog, IDC_EXIFDATE_ITEM1), 1);
+        EXPECT_EQ(Selection(dialog, IDC_EXIFDATE_ITEM3), 7);
+        EXPECT_EQ(NewNames(dialog), (std::vector<std::wstring>{L"19900304_1.jpg", L"20240507_2.jpg",
+                                                               L"20240507_3.jpg", L"20240605_4.jpg"}));
+        Choose(dialog, IDC_EXIFDATE_ITEM1, 3);
+        Choose(dialog, IDC_EXIFDATE_ITEM3, 11);
+        Choose(dialog, IDC_EXIFDATE_RESET, 2);
+        EXPECT_EQ(NewNames(dialog), (std::vector<std::wstring>{L"H020304_old.jpg", L"H360507_IMG2.jpg",
+                                                               L"H360507_IMG10.jpg", L"H360605_jun05.jpg"}));
+        Choose(dialog, IDC_EXIFDATE_ITEM3, 8);
+        EXPECT_EQ(NewNames(dialog), (std::vector<std::wstring>{L"H020304_01.jpg", L"H360507_01.jpg",
+                                                               L"H360507_02.jpg", L"H360605_01.jpg"}));
+        HoldForScreenshot();
+        Press(dialog, IDOK);
+        HWND question = WaitForDialog(kMessageCaption);
+        ASSERT_TRUE(question);
+        EXPECT_NE(ChildTexts(question).find(L"実行しますか？"), std::wstring::npos);
+        Press(question, IDYES);
+        EXPECT_TRUE(WaitFor([&] { return !IsWindow(dialog); }));
+    });
+    EXPECT_EQ(Names(), (std::set<std::wstring>{L"H020304_01.jpg", L"H360507_01.jpg", L"H360507_02.jpg",
+                                               L"H360605_01.jpg", L"plain.jpg"}));
+    EXPECT_EQ(settings.ReadNumber(kExif, kRename, 0), lx::PackRenameChoices({3, 0, 8, 2}));
+}
+
+TEST_F(ExifDateDlgTest, CancelAndCloseBoxChangeNoFileAndNoSetting) {
+    settings.WriteNumber(kExif, kRename, lx::PackRenameChoices({2, 0, 0, 1}));
+    const std::vector<std::wstring> files = {Photo("may07-a.jpg", "a.jpg")};
+    for (bool closeBox : {false, true}) {
+        RunTool(files, [&] {
+            HWND dialog = WaitForDialog(kDialogTitle);
+            ASSERT_TRUE(dialog);
+            EXPECT_EQ(Selection(dialog, IDC_EXIFDATE_ITEM1), 2);
+            EXPECT_EQ(Selection(dialog, IDC_EXIFDATE_RESET), 1);
+            Choose(dialog, IDC_EXIFDATE_ITEM1, 5);
+            if (closeBox) {
+                PostMessageW(dialog, WM_SYSCOMMAND, SC_CLOSE, 0);
+            } else {
+                Press(dialog, IDCANCEL);
+            }
+            EXPECT_TRUE(WaitFor([&] { return !IsWindow(dialog); }));
+        });
+        EXPECT_EQ(Names(), (std::set<std::wstring>{L"a.jpg"}));
+        EXPECT_EQ(settings.ReadNumber(kExif, kRename, 0), lx::PackRenameChoices({2, 0, 0, 1}));
+    }
+}
+
+TEST_F(ExifDateDlgTest, OkWithoutItemsStaysAndNoStaysToo) {
+    settings.WriteNumber(kExif, kRename, 0);
+    const std::vector<std::wstring> files = {Photo("may07-a.jpg", "a.jpg")};
+    RunTool(files, [&] {
+        HWND dialog = WaitForDialog(kDialogTitle);
+        ASSERT_TRUE(dialog);
+        EXPECT_EQ(NewNames(dialog), (std::vector<std::wstring>{L""}));
+        HWND list = GetDlgItem(dialog, IDC_EXIFDATE_LIST);
+        SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(list), TRUE);
+        ASSERT_EQ(FocusOf(dialog), list);
+        Press(dialog, IDOK);  // all three items are "（なし）": a beep, no question
+        Sleep(500);
+        EXPECT_FALSE(FindVisibleDialog(kMessageCaption));
+        ASSERT_TRUE(IsWindow(dialog));
+        EXPECT_EQ(FocusOf(dialog), GetDlgItem(dialog, IDC_EXIFDATE_ITEM1));
+
+        Choose(dialog, IDC_EXIFDATE_ITEM2, 4);
+        Press(dialog, IDOK);
+        HWND question = WaitForDialog(kMessageCaption);
+        ASSERT_TRUE(question);
+        Press(question, IDNO);
+        EXPECT_TRUE(WaitFor([&] { return !FindVisibleDialog(kMessageCaption); }));
+        EXPECT_TRUE(IsWindow(dialog));
+        Press(dialog, IDCANCEL);
+        EXPECT_TRUE(WaitFor([&] { return !IsWindow(dialog); }));
+    });
+    EXPECT_EQ(Names(), (std::set<std::wstring>{L"a.jpg"}));
+    EXPECT_EQ(settings.ReadNumber(kExif, kRename, kNoValue), 0u);
+}
+
+TEST_F(ExifDateDlgTest, NoPhotographWithShootingTimeShowsMessage4108) {
+    const std::vector<std::wstring> files = {Photo("plain.jpg", "plain.jpg"), (dir / "missing.jpg").wstring()};
+    RunTool(files, [&] {
+        HWND message = WaitForDialog(kMessageCaption);
+        ASSERT_TRUE(message);
+        EXPECT_NE(ChildTexts(message).find(L"撮影日時情報を持つExifファイルがありません。"), std::wstring::npos);
+        EXPECT_FALSE(FindVisibleDialog(kDialogTitle));
+        Press(message, IDOK);
+    });
+    EXPECT_EQ(Names(), (std::set<std::wstring>{L"plain.jpg"}));
+}
+
+TEST_F(ExifDateDlgTest, LockedFileAndTakenNameLoseNothing) {
+    settings.WriteNumber(kExif, kRename, lx::PackRenameChoices({1, 0, 0, 0}));
+    const std::vector<std::wstring> files = {Photo("may07-a.jpg", "a.jpg"), Photo("may07-b.jpg", "b.jpg"),
+                                             Photo("jun05.jpg", "c.jpg")};
+    Photo("plain.jpg", "20240605.jpg");  // the name c.jpg should get
+    const auto before = Contents();
+    HANDLE lock = CreateFileW(files[0].c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(lock, INVALID_HANDLE_VALUE);
+    RunTool(files, [&] {
+        HWND dialog = WaitForDialog(kDialogTitle);
+        ASSERT_TRUE(dialog);
+        Press(dialog, IDOK);
+        HWND question = WaitForDialog(kMessageCaption);
+        ASSERT_TRUE(question);
+        Press(question, IDYES);
+        EXPECT_TRUE(WaitFor([&] { return !IsWindow(dialog); }));
+    });
+    CloseHandle(lock);
+    EXPECT_EQ(Contents(), before);
+    const std::set<std::wstring> names = Names();
+    EXPECT_TRUE(names.count(L"20240605.jpg"));
+    EXPECT_TRUE(names.count(L"20240605(1).jpg"));
+    EXPECT_TRUE(names.count(L"20240507.jpg") || names.count(L"20240507(1).jpg"));
+}
+
+class AnsweringSink : public lx::ToolSink {
+public:
+    void StartProgress(const std::wstring&, const std::wstring& firstLine) override { progressLine = firstLine; }
+    void SetLine(int, const std::wstring&, bool) override {}
+    void SetProgress(uint64_t, uint64_t) override {}
+    bool Cancelled() override { return false; }
+    void EndProgress() override {}
+    int Message(unsigned textId, const std::wstring&, unsigned) override {
+        messages.push_back(textId);
+        return IDYES;
+    }
+    void Report(const std::wstring& line) override { reports.push_back(line); }
+    std::wstring progressLine;
+    std::vector<unsigned> messages;
+    std::vector<std::wstring> reports;
+};
+
+TEST_F(ExifDateDlgTest, UnattendedRunRenamesReportsAndLeavesTheSettingAlone) {
+    settings.WriteNumber(kExif, kRename, 0x01020304);
+    const std::wstring a = Photo("may07-a.jpg", "a.jpg");
+    const std::wstring plain = Photo("plain.jpg", "plain.jpg");
+    AnsweringSink sink;
+    std::wstring error;
+    EXPECT_EQ(lx::RunRenameUnattended({L"--items", L"2,6,0", L"--reset", L"1", a, plain}, sink, error), 0);
+    EXPECT_EQ(error, L"");
+    EXPECT_EQ(sink.messages, std::vector<unsigned>{4111});
+    EXPECT_EQ(sink.progressLine, L"撮影日時に変換しています...");
+    EXPECT_EQ(sink.reports, std::vector<std::wstring>{a + L" -> " + (dir / "240507_102030.jpg").wstring()});
+    EXPECT_EQ(Names(), (std::set<std::wstring>{L"240507_102030.jpg", L"plain.jpg"}));
+    EXPECT_EQ(settings.ReadNumber(kExif, kRename, 0), 0x01020304u);
+
+    AnsweringSink none;
+    EXPECT_EQ(lx::RunRenameUnattended({L"--items", L"1,0,0", plain}, none, error), 0);
+    EXPECT_EQ(none.messages, std::vector<unsigned>{4108});
+    EXPECT_EQ(lx::RunRenameUnattended({L"--items", L"1,0", plain}, none, error), 2);
+    EXPECT_FALSE(error.empty());
+}
+
+}  // namespace
