@@ -7,6 +7,8 @@
 // kPathChars characters.
 #pragma once
 
+#include "CommandLine.h"  // kPathChars, the size of every path buffer
+
 #include <cstddef>
 #include <cstdint>
 
@@ -43,9 +45,6 @@ enum : ImageType {
     kImageLastRaw = 39,   // 3fr
     kImageTableEnd = -1,
 };
-
-// Every path buffer the tools hand around holds this many wide characters.
-constexpr size_t kPathChars = 520;
 
 // The type of a path by its extension; 0 for a null path, no dot or an unknown extension.
 ImageType ImageTypeFromPath(const wchar_t* path);
