@@ -56,6 +56,7 @@ TEST(JpegSaveRecord, IsEightIntegersInTheCallersOrder) {
 }
 
 TEST(JpegWriter, QuantisationTablesMatchCjpegAtEveryQuality) {
+    if (!HaveOracles()) GTEST_SKIP() << "needs djpeg, cjpeg and ImageMagick";
     lxtest::ScratchDir dir("jpeg-dqt");
     const Raster raster = ToRaster(Photo());
     for (int quality : {1, 7, 25, 49, 50, 51, 75, 94, 100}) {
@@ -68,6 +69,7 @@ TEST(JpegWriter, QuantisationTablesMatchCjpegAtEveryQuality) {
 }
 
 TEST(JpegWriter, StandardHuffmanTablesMatchCjpeg) {
+    if (!HaveOracles()) GTEST_SKIP() << "needs djpeg, cjpeg and ImageMagick";
     lxtest::ScratchDir dir("jpeg-dht");
     const auto ours = PayloadsByFirstByte(Segments(EncodeJpeg(Photo(), Record(75))), 0xc4);
     const auto theirs = PayloadsByFirstByte(Segments(Cjpeg(ToRaster(Photo()), QualityOption(75), dir)), 0xc4);
@@ -93,6 +95,7 @@ TEST(JpegWriter, FileIsJfifWithTheExpectedFrame) {
 // error is no worse than cjpeg's with the same settings. The three forms differ only
 // in entropy coding, so they must decode to the very same pixels.
 TEST(JpegWriter, EveryOptionDecodesAsWellAsCjpeg) {
+    if (!HaveOracles()) GTEST_SKIP() << "needs djpeg, cjpeg and ImageMagick";
     lxtest::ScratchDir dir("jpeg-options");
     for (const PackedDib* dib : {&Photo(), &GreyPhoto()}) {
         const Raster source = ToRaster(*dib);
@@ -120,6 +123,7 @@ TEST(JpegWriter, EveryOptionDecodesAsWellAsCjpeg) {
 }
 
 TEST(JpegWriter, SmoothingFollowsTheUsualFilter) {
+    if (!HaveOracles()) GTEST_SKIP() << "needs djpeg, cjpeg and ImageMagick";
     lxtest::ScratchDir dir("jpeg-smooth");
     const Raster source = ToRaster(Photo());
     size_t previous = EncodeJpeg(Photo(), Record(85)).size();
@@ -137,6 +141,7 @@ TEST(JpegWriter, SmoothingFollowsTheUsualFilter) {
 }
 
 TEST(JpegWriter, ProgressiveFramesHaveTheUsualScans) {
+    if (!HaveOracles()) GTEST_SKIP() << "needs djpeg, cjpeg and ImageMagick";
     lxtest::ScratchDir dir("jpeg-progressive");
     for (const PackedDib* dib : {&Photo(), &GreyPhoto()}) {
         const auto jpeg = EncodeJpeg(*dib, Record(75, 2));
@@ -173,6 +178,7 @@ TEST(JpegWriter, OptimisedTablesMakeSmallerFiles) {
 }
 
 TEST(JpegWriter, SizeGrowsWithQualityAndTracksCjpeg) {
+    if (!HaveOracles()) GTEST_SKIP() << "needs djpeg, cjpeg and ImageMagick";
     lxtest::ScratchDir dir("jpeg-quality");
     const Raster source = ToRaster(Photo());
     size_t previous = 0;
@@ -192,6 +198,7 @@ TEST(JpegWriter, SizeGrowsWithQualityAndTracksCjpeg) {
 
 // Grey palettes make one-component files; any other palette is colour.
 TEST(JpegWriter, GreyPalettesGiveOneComponent) {
+    if (!HaveOracles()) GTEST_SKIP() << "needs djpeg, cjpeg and ImageMagick";
     lxtest::ScratchDir dir("jpeg-grey");
     PackedDib twoLevel = PackedDib::Create(40, 30, 1);
     for (int y = 0; y < 30; ++y) twoLevel.row(y)[y % 5] = 0xf0;
@@ -250,6 +257,7 @@ TEST(JpegWriter, OtherDepthsEncodeLikeTheir24BitEquivalent) {
 }
 
 TEST(JpegWriter, OddSizesDecodeToTheRightPicture) {
+    if (!HaveOracles()) GTEST_SKIP() << "needs djpeg, cjpeg and ImageMagick";
     lxtest::ScratchDir dir("jpeg-odd");
     const std::pair<int, int> sizes[] = {{1, 1}, {17, 9}, {9, 17}, {4001, 3}, {3, 300}, {33, 31}};
     for (auto [w, h] : sizes) {
