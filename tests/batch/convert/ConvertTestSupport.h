@@ -1,0 +1,84 @@
+// What the conversion tests share: small real image files, a sink that records what the run
+// shows, and ImageMagick's identify as the independent reader of the results.
+#pragma once
+
+#include <algorithm>
+#include <cstdio>
+#include <stdexcept>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "ImageSave.h"
+#include "PackedDib.h"
+#include "TestFiles.h"
+#include "ToolSink.h"
+
+namespace lxtest {
+
+// A 24-bit picture with a diagonal gradient, so that scaling has something to average.
+inline lx::PackedDib GradientDib(int width, int height) {
+    lx::PackedDib dib = lx::PackedDib::Create(width, height, 24);
+    for (int y = 0; y < height; ++y) {
+        uint8_t* row = dib.row(y);
+        for (int x = 0; x < width; ++x) {
+            row[3 * x] = static_cast<uint8_t>(x * 255 / (width > 1 ? width - 1 : 1));
+            row[3 * x + 1] = static_cast<uint8_t>(y * 255 / (height > 1 ? height - 1 : 1));
+            row[3 * x + 2] = static_cast<uint8_t>((x + y) & 0xff);
+        }
+    }
+    return dib;
+}
+
+// A bitmap file of the given size under `path`, whatever its extension says.
+inline void WriteBitmapFile(const std::filesystem::path& path, int width, int height) {
+    if (!lx::SaveBmpFile(path, GradientDib(width, height))) throw std::runtime_error("cannot write test bitmap");
+}
+
+// identify's "%m %w %h" of a file ("JPEG 1000 667"), empty when it cannot read it.
+inline std::string Identify(const std::filesystem::path& file) {
+    const std::filesystem::path out = file.string() + ".identify";
+    const int status = Run("identify -format '%m %w %h' '" + file.string() + "' > '" + out.string() + "' 2>/dev/null");
+    std::string text;
+    if (status == 0) {
+        const auto bytes = ReadFile(out);
+        text.assign(bytes.begin(), bytes.end());
+    }
+    std::filesystem::remove(out);
+    return text;
+}
+
+inline std::vector<std::string> Listing(const std::filesystem::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+// Records every call as one line, and cancels once `cancelAfterChecks` checks were made.
+class RecordingSink : public lx::ToolSink {
+public:
+    void StartProgress(const std::wstring& title, const std::wstring& firstLine) override {
+        events.push_back(L"start " + title + L" | " + firstLine);
+    }
+    void SetLine(int line, const std::wstring& text, bool compactPath) override {
+        events.push_back(L"line" + std::to_wstring(line) + (compactPath ? L"~ " : L" ") + text);
+    }
+    void SetProgress(uint64_t done, uint64_t total) override {
+        events.push_back(L"progress " + std::to_wstring(done) + L"/" + std::to_wstring(total));
+    }
+    bool Cancelled() override { return cancelAfterChecks >= 0 && checks++ >= cancelAfterChecks; }
+    void EndProgress() override { events.push_back(L"end"); }
+    int Message(unsigned textId, const std::wstring&, unsigned) override {
+        events.push_back(L"message " + std::to_wstring(textId));
+        return lx::kIdOk;
+    }
+    void Report(const std::wstring& line) override { reports.push_back(line); }
+
+    std::vector<std::wstring> events;
+    std::vector<std::wstring> reports;
+    int cancelAfterChecks = -1;
+    int checks = 0;
+};
+
+}  // namespace lxtest
