@@ -292,3 +292,39 @@ TEST(JpegWriter, OutOfRangeSettingsAreClamped) {
     EXPECT_EQ(EncodeJpeg(dib, Record(60, 0, 500)), EncodeJpeg(dib, Record(60, 0, 100)));
     EXPECT_EQ(EncodeJpeg(dib, Record(60, 0, -3)), EncodeJpeg(dib, Record(60, 0, 0)));
 }
+
+// Flat areas give progressive scans runs of empty blocks longer than one EOB run can
+// hold, and refinement scans long queues of correction bits; extreme contrast gives the
+// largest DC differences and AC values. Every form must still decode to the same pixels.
+TEST(JpegWriter, ExtremeContentDecodesTheSameInEveryForm) {
+    if (!HaveOracles()) GTEST_SKIP() << "needs djpeg, cjpeg and ImageMagick";
+    lxtest::ScratchDir dir("jpeg-extreme");
+    PackedDib flat = PackedDib::Create(1600, 1400, 8);  // 35000 blocks, specks in the corners only
+    for (int y = 0; y < 1400; ++y) std::fill(flat.row(y), flat.row(y) + 1600, uint8_t{90});
+    flat.row(3)[5] = 250;
+    flat.row(1396)[1590] = 10;
+    PackedDib blocks = PackedDib::Create(64, 48, 24);  // black and white 8x8 squares
+    PackedDib pixels = PackedDib::Create(64, 48, 24);  // black and white single pixels
+    for (int y = 0; y < 48; ++y)
+        for (int x = 0; x < 64 * 3; ++x) {
+            blocks.row(y)[x] = ((x / 3 / 8 + y / 8) % 2) ? 255 : 0;
+            pixels.row(y)[x] = ((x / 3 + y) % 2) ? 255 : 0;
+        }
+    for (const PackedDib* dib : {&flat, &blocks, &pixels}) {
+        const Raster source = ToRaster(*dib);
+        for (int quality : {1, 50, 100}) {
+            Raster first;
+            for (int form = 0; form < 3; ++form) {
+                SCOPED_TRACE(std::to_string(dib->width()) + " quality " + std::to_string(quality) + " form " +
+                             std::to_string(form));
+                const Raster decoded = Djpeg(EncodeJpeg(*dib, Record(quality, form)), dir);
+                ASSERT_EQ(decoded.width, source.width);
+                if (form == 0) first = decoded;
+                else EXPECT_EQ(decoded.samples, first.samples);
+                std::string options = QualityOption(quality) + kFormOptions[form];
+                if (source.channels == 1) options += " -grayscale";
+                EXPECT_GT(Psnr(source, decoded), Psnr(source, Djpeg(Cjpeg(source, options, dir), dir)) - 0.3);
+            }
+        }
+    }
+}
