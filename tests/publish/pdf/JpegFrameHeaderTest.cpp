@@ -86,6 +86,7 @@ TEST(JpegFrameHeader, ZeroLengthSegmentsStillMoveForward) {
 }
 
 TEST(JpegFrameHeader, FindsTheFrameOfFilesMadeByCjpeg) {
+    if (!pdftest::HaveOracles()) GTEST_SKIP() << "needs cjpeg and ImageMagick";
     lxtest::ScratchDir dir("jpegframe");
     struct Case {
         const char* options;

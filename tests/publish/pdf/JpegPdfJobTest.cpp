@@ -93,7 +93,8 @@ TEST(JpegPdfJob, NoJpegShowsMessage4140AndWritesNothing) {
 
 TEST(JpegPdfJob, Over256JpegsRefusesTheWholeRun) {
     lxtest::ScratchDir dir("job257");
-    const fs::path jpg = pdftest::MakeJpeg(dir.path(), "s.jpg", 8, 8);
+    const fs::path jpg = dir / "s.jpg";
+    pdftest::WriteFrameOnlyJpeg(jpg, 8, 8, 3, 100);
     std::vector<fs::path> files(257, jpg);
     files.insert(files.begin() + 3, dir / "not.png");
 
@@ -112,8 +113,10 @@ TEST(JpegPdfJob, Over256JpegsRefusesTheWholeRun) {
 
 TEST(JpegPdfJob, ReportsEachFileNameOnLineTwoAndNeverAsksAboutCancelling) {
     lxtest::ScratchDir dir("jobprogress");
-    const fs::path a = pdftest::MakeJpeg(dir.path(), "first.jpg", 16, 8);
-    const fs::path b = pdftest::MakeJpeg(dir.path(), "second.jpg", 8, 16, "-arithmetic");
+    const fs::path a = dir / "first.jpg";
+    const fs::path b = dir / "second.jpg";
+    pdftest::WriteFrameOnlyJpeg(a, 16, 8, 3, 100);
+    pdftest::WriteFrameOnlyJpeg(b, 8, 16, 3, 100, 0xC9);
     RecordingSink sink;
     EXPECT_EQ(lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), {a, b}, ProbeByName, sink), lx::JpegPdfResult::kWritten);
     EXPECT_EQ(sink.events, (std::vector<std::wstring>{L"start T | L", L"line2 first.jpg", L"line2 second.jpg", L"end"}));
@@ -124,7 +127,8 @@ TEST(JpegPdfJob, ReportsEachFileNameOnLineTwoAndNeverAsksAboutCancelling) {
 
 TEST(JpegPdfJob, OutputThatCannotBeCreatedWritesNothing) {
     lxtest::ScratchDir dir("jobnoout");
-    const fs::path a = pdftest::MakeJpeg(dir.path(), "a.jpg", 16, 8);
+    const fs::path a = dir / "a.jpg";
+    pdftest::WriteFrameOnlyJpeg(a, 16, 8, 3, 100);
     RecordingSink sink;
     const auto result = lx::RunJpegPdfTool(MakeJob(dir / "no-such-folder" / "o.pdf"), {a}, ProbeByName, sink);
     EXPECT_EQ(result, lx::JpegPdfResult::kNotCreated);
@@ -134,7 +138,8 @@ TEST(JpegPdfJob, OutputThatCannotBeCreatedWritesNothing) {
 
 TEST(JpegPdfJob, ReplacesAnExistingOutputFile) {
     lxtest::ScratchDir dir("jobreplace");
-    const fs::path a = pdftest::MakeJpeg(dir.path(), "a.jpg", 16, 8);
+    const fs::path a = dir / "a.jpg";
+    lxtest::WriteFile(a, pdftest::kTinyJpeg);
     lxtest::WriteFile(dir / "o.pdf", std::string(100000, 'x'));
     RecordingSink sink;
     ASSERT_EQ(lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), {a}, ProbeByName, sink), lx::JpegPdfResult::kWritten);
@@ -146,8 +151,10 @@ TEST(JpegPdfJob, ReplacesAnExistingOutputFile) {
 
 TEST(JpegPdfJob, FileVanishingBeforeTheCopyLeavesATruncatedDocument) {
     lxtest::ScratchDir dir("jobtrunc");
-    const fs::path a = pdftest::MakeJpeg(dir.path(), "a.jpg", 16, 8);
-    const fs::path b = pdftest::MakeJpeg(dir.path(), "b.jpg", 16, 8);
+    const fs::path a = dir / "a.jpg";
+    const fs::path b = dir / "b.jpg";
+    pdftest::WriteFrameOnlyJpeg(a, 16, 8, 3, 100);
+    pdftest::WriteFrameOnlyJpeg(b, 16, 8, 3, 100);
     lx::JpegPdfJob job = MakeJob(dir / "o.pdf");
     // Removes the second file the moment the output is created: after composing, before copying.
     job.createOutput = [&](const fs::path& out) {

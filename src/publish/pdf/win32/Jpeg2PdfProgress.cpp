@@ -16,7 +16,8 @@ Jpeg2PdfProgressSink::~Jpeg2PdfProgressSink() { EndProgress(); }
 
 void Jpeg2PdfProgressSink::StartProgress(const std::wstring& title, const std::wstring& firstLine) {
     IProgressDialog* dialog = nullptr;
-    if (FAILED(CoCreateInstance(CLSID_ProgressDialog, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&dialog)))) {
+    if (FAILED(CoCreateInstance(CLSID_ProgressDialog, nullptr, CLSCTX_INPROC_SERVER, IID_IProgressDialog,
+                                reinterpret_cast<void**>(&dialog)))) {
         return;  // the run goes on without a progress display
     }
     dialog_ = dialog;
