@@ -12,7 +12,7 @@ mkdir -p "$work"
 cd "$root"
 
 cmake --preset native-release >/dev/null
-cmake --build build/native-release --target jpeg_bench -j2 >/dev/null
+cmake --build build/native-release --target jpeg_bench -j2 >/dev/null 2>&1
 bench=$root/build/native-release/bench/jpeg/jpeg_bench
 
 photo=$work/photo.ppm
@@ -42,7 +42,7 @@ psnr() {
     compare -metric PSNR "$photo" "$work/decoded.ppm" null: 2>&1 || true
 }
 
-printf "%-12s %10s %10s %10s %10s %10s %10s %8s\n" form cjpeg_s ours_s speed cjpeg_B ours_B size cjpeg_dB ours_dB
+printf "%-12s %10s %10s %10s %10s %10s %10s %8s %8s\n" form cjpeg_s ours_s speed cjpeg_B ours_B size cjpeg_dB ours_dB
 for form in standard optimize progressive; do
     case $form in
         standard) opt="" ;;

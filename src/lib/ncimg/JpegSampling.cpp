@@ -68,11 +68,8 @@ void SmoothRow(const uint8_t* above, const uint8_t* row, const uint8_t* below, i
 
 void DownsampleRow(const uint8_t* top, const uint8_t* bottom, int outWidth, uint8_t* out) {
     // The rounding bias alternates between 1 and 2 so that halves don't all round one way.
-    int bias = 1;
-    for (int x = 0; x < outWidth; ++x, top += 2, bottom += 2) {
-        out[x] = static_cast<uint8_t>((top[0] + top[1] + bottom[0] + bottom[1] + bias) >> 2);
-        bias ^= 3;
-    }
+    for (int x = 0; x < outWidth; ++x)
+        out[x] = static_cast<uint8_t>((top[2 * x] + top[2 * x + 1] + bottom[2 * x] + bottom[2 * x + 1] + 1 + (x & 1)) >> 2);
 }
 
 void SmoothDownsampleRow(const uint8_t* above, const uint8_t* top, const uint8_t* bottom,
