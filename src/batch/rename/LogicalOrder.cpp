@@ -8,8 +8,11 @@ namespace {
 
 bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
 
-// Sort class of a character that is not part of a digit run.
-int ClassOf(wchar_t c) { return std::iswalpha(static_cast<wint_t>(c)) ? 2 : 0; }
+// Sort class of a character: digits, then blanks and punctuation, then letters.
+int ClassOf(wchar_t c) {
+    if (IsDigit(c)) return 0;
+    return std::iswalpha(static_cast<wint_t>(c)) ? 2 : 1;
+}
 
 wchar_t Folded(wchar_t c) { return static_cast<wchar_t>(std::towupper(static_cast<wint_t>(c))); }
 
@@ -39,8 +42,8 @@ int CompareLogical(const std::wstring& a, const std::wstring& b) {
             if (const int order = CompareNumbers(a, i, b, j)) return order;
             continue;
         }
-        const int classA = digitA ? 1 : ClassOf(a[i]);
-        const int classB = digitB ? 1 : ClassOf(b[j]);
+        const int classA = ClassOf(a[i]);
+        const int classB = ClassOf(b[j]);
         if (classA != classB) return classA < classB ? -1 : 1;
         const wchar_t foldedA = Folded(a[i]), foldedB = Folded(b[j]);
         if (foldedA != foldedB) return foldedA < foldedB ? -1 : 1;

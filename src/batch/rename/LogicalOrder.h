@@ -8,9 +8,9 @@
 
 namespace lx {
 
-// Negative, zero or positive as `a` sorts before, with, or after `b`. Blanks and
-// punctuation sort before digits, digits before letters; a run of digits compares by
-// value, leading zeros ignored.
+// Negative, zero or positive as `a` sorts before, with, or after `b`. Digits sort before
+// blanks and punctuation, and those before letters (so IMG2 before IMG_0001, as the shell
+// has it); a run of digits compares by value, leading zeros ignored.
 int CompareLogical(const std::wstring& a, const std::wstring& b);
 
 }  // namespace lx

@@ -39,8 +39,10 @@ TEST(LogicalOrder, LettersIgnoreCase) {
     EXPECT_LT(CompareLogical(L"Apple", L"banana"), 0);
 }
 
-TEST(LogicalOrder, PunctuationThenDigitsThenLetters) {
-    EXPECT_LT(CompareLogical(L"a_1", L"a1"), 0);
+TEST(LogicalOrder, DigitsThenPunctuationThenLetters) {
+    EXPECT_LT(CompareLogical(L"a1", L"a_1"), 0);
+    EXPECT_LT(CompareLogical(L"20240507_1.jpg", L"_DSC0001.NEF"), 0);
+    EXPECT_LT(CompareLogical(L"a_1", L"aa"), 0);
     EXPECT_LT(CompareLogical(L"a1", L"aa"), 0);
     EXPECT_LT(CompareLogical(L"a b", L"ab"), 0);
     EXPECT_LT(CompareLogical(L"IMG", L"IMG1"), 0);
