@@ -19,22 +19,19 @@ void CopyPixels(const uint8_t* src, int sx, uint8_t* dst, int dx, int count, int
 
 namespace {
 
-PackedDib FromParts(const DibHeader& header, std::span<const uint8_t> table, int width, int height) {
+// A zero image of another size behind the 40-byte header and colour table of a model image;
+// the header keeps the model's depth, compression and resolution.
+PackedDib FromParts(std::span<const uint8_t> header, std::span<const uint8_t> table, int width, int height) {
     if (width <= 0 || height <= 0 || static_cast<int64_t>(width) * height > kMaxPixels) return {};
-    const size_t imageBytes = DibStride(width, header.bitCount) * static_cast<size_t>(height);
+    const int bits = ReadLe16(header.data() + 14);
+    const size_t imageBytes = DibStride(width, bits) * static_cast<size_t>(height);
     std::vector<uint8_t> bytes(kDibHeaderSize + table.size() + imageBytes, 0);
-    uint8_t* p = bytes.data();
-    WriteLe32(p, 40);
-    WriteLe32(p + 4, static_cast<uint32_t>(width));
-    WriteLe32(p + 8, static_cast<uint32_t>(height));
-    WriteLe16(p + 12, 1);
-    WriteLe16(p + 14, header.bitCount);
-    WriteLe32(p + 16, header.compression);
-    WriteLe32(p + 20, static_cast<uint32_t>(imageBytes));
-    WriteLe32(p + 24, static_cast<uint32_t>(header.xPelsPerMeter));
-    WriteLe32(p + 28, static_cast<uint32_t>(header.yPelsPerMeter));
-    WriteLe32(p + 32, header.bitCount <= 8 ? static_cast<uint32_t>(table.size() / 4) : 0);
-    if (!table.empty()) std::memcpy(p + kDibHeaderSize, table.data(), table.size());
+    std::copy(header.begin(), header.begin() + kDibHeaderSize, bytes.begin());
+    if (!table.empty()) std::memcpy(bytes.data() + kDibHeaderSize, table.data(), table.size());
+    WriteLe32(bytes.data() + 4, static_cast<uint32_t>(width));
+    WriteLe32(bytes.data() + 8, static_cast<uint32_t>(height));
+    WriteLe32(bytes.data() + 20, static_cast<uint32_t>(imageBytes));
+    WriteLe32(bytes.data() + 32, bits <= 8 ? static_cast<uint32_t>(table.size() / 4) : 0);
     auto dib = PackedDib::FromBytes(bytes.data(), bytes.size());
     return dib ? std::move(*dib) : PackedDib{};
 }
@@ -42,15 +39,15 @@ PackedDib FromParts(const DibHeader& header, std::span<const uint8_t> table, int
 }  // namespace
 
 PackedDib MakeLike(const PackedDib& like, int width, int height) {
-    const std::span<const uint8_t> table(like.bytes().data() + kDibHeaderSize, like.bitsOffset() - kDibHeaderSize);
-    return FromParts(like.header(), table, width, height);
+    const uint8_t* bytes = like.bytes().data();
+    return FromParts({bytes, kDibHeaderSize}, {bytes + kDibHeaderSize, like.bitsOffset() - kDibHeaderSize}, width, height);
 }
 
 PackedDib MakeWithPalette(int width, int height, int bits, std::span<const Rgbq> table) {
-    DibHeader h;
-    h.bitCount = static_cast<uint16_t>(bits);
-    const auto bytes = std::as_bytes(table);
-    return FromParts(h, {reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()}, width, height);
+    const PackedDib model = PackedDib::Create(1, 1, bits);
+    const auto entries = std::as_bytes(table);
+    return FromParts({model.bytes().data(), kDibHeaderSize},
+                     {reinterpret_cast<const uint8_t*>(entries.data()), entries.size()}, width, height);
 }
 
 bool HasGreyRamp(const PackedDib& dib) {
