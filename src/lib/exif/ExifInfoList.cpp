@@ -121,7 +121,11 @@ std::string FormatExposureTime(int64_t numerator, int64_t denominator) {
     return Decimal(seconds, 1) + " s";
 }
 
-std::string FormatFNumber(double f) { return "F" + Decimal(f, 1); }
+std::string FormatFNumber(double f) {
+    std::string text = "F";
+    text += Decimal(f, 1);
+    return text;
+}
 
 std::string FormatFocalLength(double millimetres) { return Decimal(millimetres, 1) + " mm"; }
 

@@ -61,6 +61,7 @@ TEST_F(Containers, OrfMagicNumbersInBothByteOrders) {
 }
 
 TEST_F(Containers, Rw2KeepsItsShootingDataInTheEmbeddedPreview) {
+    LX_NEEDS_TOOLS();
     const Bytes inner = exifJpeg(120, 80, "2017:05:06 07:08:09");
     TiffBuilder t(false, lx::kRw2Magic);
     const int ifd0 = t.addIfd();
@@ -81,6 +82,7 @@ TEST_F(Containers, Rw2KeepsItsShootingDataInTheEmbeddedPreview) {
 }
 
 TEST_F(Containers, RafWrapsAJpegThatIsAlsoThePreview) {
+    LX_NEEDS_TOOLS();
     const Bytes inner = exifJpeg(96, 64, "2016:04:05 06:07:08");
     Bytes file(160, 0);
     const std::string magic = "FUJIFILMCCD-RAW 0201FF383501";
@@ -118,6 +120,7 @@ TEST_F(Containers, MrwHoldsATiffStructureInItsTtwBlock) {
 }
 
 TEST_F(Containers, CrwCiffHeapAsExiftoolReadsIt) {
+    LX_NEEDS_TOOLS();
     // CIFF: header, then a heap of [data..., entry table, table offset]; one sub-heap.
     const Bytes preview = MakeJpeg(dir.path(), 48, 32, "blue");
     const std::string makeModel = std::string("Canon") + '\0' + "Canon PowerShot Test" + '\0';

@@ -89,6 +89,7 @@ RawLike MakeRawLike(bool bigEndian, const std::filesystem::path& scratch) {
 
 class EmbeddedImages : public ::testing::Test {
 protected:
+    void SetUp() override { LX_NEEDS_TOOLS(); }
     ScratchDir dir{"embedded"};
 };
 

@@ -70,6 +70,7 @@ double Number(const std::string& text) { return std::stod(text); }
 
 class ExifInfoFiles : public ::testing::Test {
 protected:
+    void SetUp() override { LX_NEEDS_TOOLS(); }
     ScratchDir dir{"info"};
     std::filesystem::path photo(const std::string& name, const std::string& tags) {
         const auto path = dir / name;

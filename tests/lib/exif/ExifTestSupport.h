@@ -11,6 +11,13 @@
 
 #include "TestFiles.h"
 
+// The outside tools exist only in the native (Debian) build; under Wine such tests skip.
+#ifdef _WIN32
+#define LX_NEEDS_TOOLS() GTEST_SKIP() << "needs the Debian tools (convert, exiftool)"
+#else
+#define LX_NEEDS_TOOLS() (void)0
+#endif
+
 namespace lxtest {
 
 using Bytes = std::vector<uint8_t>;

@@ -46,6 +46,7 @@ TEST(ShootingTimeText, BlankZeroAndOutOfRangeDatesAreNoDate) {
 }
 
 TEST(ShootingTimeText, DayOfWeekAgreesWithTheSystemCalendar) {
+    LX_NEEDS_TOOLS();
     ScratchDir dir("dow");
     for (const char* date : {"1970-01-01", "1999-12-31", "2000-03-01", "2100-02-28", "2038-01-19"}) {
         int y, m, d;
@@ -56,6 +57,7 @@ TEST(ShootingTimeText, DayOfWeekAgreesWithTheSystemCalendar) {
 }
 
 TEST(ShootingTimeText, SecondsSinceEpochAgreeWithTheSystemCalendar) {
+    LX_NEEDS_TOOLS();
     ScratchDir dir("epoch");
     for (uint32_t seconds : {0u, 951782399u, 1700000000u, 4102444800u, 4294967295u}) {
         const std::string expected = Capture("date -u -d @" + std::to_string(seconds) + " '+%Y-%m-%d %H:%M:%S %w'",
@@ -70,6 +72,7 @@ TEST(ShootingTimeText, SecondsSinceEpochAgreeWithTheSystemCalendar) {
 
 class ShootingTimeFiles : public ::testing::Test {
 protected:
+    void SetUp() override { LX_NEEDS_TOOLS(); }
     ScratchDir dir{"shoot"};
     std::filesystem::path jpeg(const std::string& name) {
         const auto path = dir / name;
