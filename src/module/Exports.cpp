@@ -7,6 +7,7 @@
 
 #include <string>
 
+#include "CommandLine.h"
 #include "DropList.h"
 #include "FrameRunner.h"
 #include "ModuleResources.h"
