@@ -90,6 +90,22 @@ inline uint8_t Settle(int32_t acc) {
     return static_cast<uint8_t>(std::clamp((acc + (1 << (kBlurBits - 1))) >> kBlurBits, 0, 255));
 }
 
+// out[i] = sum over k of weights[k] * taps[k][i], for acc.size() samples. The weights are
+// symmetric, so the two taps that share one are added first: half the multiplications.
+void Convolve(const std::vector<const uint8_t*>& taps, const std::vector<int32_t>& weights, std::vector<int32_t>& acc, uint8_t* out) {
+    const size_t n = acc.size();
+    const size_t reach = weights.size() / 2;
+    const uint8_t* centre = taps[reach];
+    for (size_t i = 0; i < n; ++i) acc[i] = weights[reach] * centre[i];
+    for (size_t k = 0; k < reach; ++k) {
+        const uint8_t* a = taps[k];
+        const uint8_t* b = taps[weights.size() - 1 - k];
+        const int32_t w = weights[k];
+        for (size_t i = 0; i < n; ++i) acc[i] += w * (a[i] + b[i]);
+    }
+    for (size_t i = 0; i < n; ++i) out[i] = Settle(acc[i]);
+}
+
 }  // namespace
 
 bool mif::blur_gauss_rle(const MifRect* rect, double radius) {
@@ -113,10 +129,11 @@ bool mif::blur_gauss_rle(const MifRect* rect, double radius) {
     const size_t rowBytes = static_cast<size_t>(r.right - r.left) * channels;
 
     // Across: every row of the grown area, but only the rectangle's columns. Each row is
-    // first padded by the reach on both sides, so the inner loop has no edge cases.
-    ParallelRows(bottom - top, int64_t{r.right - r.left} * channels * (2 * reach + 1), [&](int begin, int end) {
+    // first padded by the reach on both sides, so the taps need no edge cases.
+    ParallelRows(bottom - top, int64_t{r.right - r.left} * channels * (reach + 1), [&](int begin, int end) {
         const int padWidth = (r.right - r.left) + 2 * reach;
         std::vector<uint8_t> padded(static_cast<size_t>(padWidth) * channels);
+        std::vector<const uint8_t*> taps(weights.size());
         std::vector<int32_t> acc(rowBytes);
         for (int y = begin; y < end; ++y) {
             const uint8_t* src = work.row(top + y);
@@ -124,29 +141,18 @@ bool mif::blur_gauss_rle(const MifRect* rect, double radius) {
                 const int sx = std::clamp(r.left - reach + i, 0, width() - 1);
                 for (int c = 0; c < channels; ++c) padded[static_cast<size_t>(i) * channels + c] = src[static_cast<size_t>(sx) * channels + c];
             }
-            std::fill(acc.begin(), acc.end(), 0);
-            for (int k = 0; k <= 2 * reach; ++k) {
-                const uint8_t* m = &padded[static_cast<size_t>(k) * channels];
-                const int32_t w = weights[k];
-                for (size_t i = 0; i < rowBytes; ++i) acc[i] += w * m[i];
-            }
-            uint8_t* dst = &area[areaStride * y + rowStart];
-            for (size_t i = 0; i < rowBytes; ++i) dst[i] = Settle(acc[i]);
+            for (size_t k = 0; k < taps.size(); ++k) taps[k] = &padded[k * channels];
+            Convolve(taps, weights, acc, &area[areaStride * y + rowStart]);
         }
     });
     // Down: only the rectangle's rows are written.
-    ParallelRows(r.bottom - r.top, int64_t{r.right - r.left} * channels * (2 * reach + 1), [&](int begin, int end) {
+    ParallelRows(r.bottom - r.top, int64_t{r.right - r.left} * channels * (reach + 1), [&](int begin, int end) {
+        std::vector<const uint8_t*> taps(weights.size());
         std::vector<int32_t> acc(rowBytes);
         for (int y = r.top + begin; y < r.top + end; ++y) {
-            std::fill(acc.begin(), acc.end(), 0);
-            for (int k = -reach; k <= reach; ++k) {
-                const int sy = std::clamp(y + k, 0, height() - 1);
-                const uint8_t* m = &area[areaStride * (sy - top) + rowStart];
-                const int32_t w = weights[k + reach];
-                for (size_t i = 0; i < rowBytes; ++i) acc[i] += w * m[i];
-            }
-            uint8_t* dst = work.row(y) + static_cast<size_t>(r.left) * channels;
-            for (size_t i = 0; i < rowBytes; ++i) dst[i] = Settle(acc[i]);
+            for (int k = -reach; k <= reach; ++k)
+                taps[k + reach] = &area[areaStride * (std::clamp(y + k, 0, height() - 1) - top) + rowStart];
+            Convolve(taps, weights, acc, work.row(y) + static_cast<size_t>(r.left) * channels);
         }
     });
     return true;

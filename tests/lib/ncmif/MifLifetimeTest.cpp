@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <set>
 
 #include "MifTestImages.h"
@@ -145,4 +146,36 @@ TEST(MifDepthGrey, GreyImagesStayGreyAtPaletteDepths) {
     ASSERT_TRUE(image.setdepth(1));
     EXPECT_TRUE(image.dib().hasGreyPalette());
     EXPECT_EQ(image.palette()[1], (lx::Rgbq{255, 255, 255, 0}));
+}
+
+TEST(MifEveryMember, TinyAndOddImagesOfEveryFormatComeOutWellFormed) {
+    // Each member once on each format and on the smallest and oddest shapes: under the address
+    // sanitizer this is where a row or palette read past its end would show.
+    const MifRect inner{0, 0, 2, 2};
+    const auto members = std::vector<std::pair<const char*, std::function<bool(mif&)>>>{
+        {"crop", [&](mif& m) { return m.crop(&inner); }},
+        {"zoom", [](mif& m) { return m.zoom(3, 2, 10, 0) && m.zoom(1, 1, 4, 0); }},
+        {"zoom_linear", [](mif& m) { return m.zoom_linear(2, 5); }},
+        {"zoom_near", [](mif& m) { return m.zoom_near(5, 1); }},
+        {"rotate", [](mif& m) { return m.rotate(0) && m.rotate(1) && m.rotate(2); }},
+        {"flip", [](mif& m) { return m.flip(0, 0, 0, 0) && m.flip(0, 0, 1, 1); }},
+        {"mirror", [](mif& m) { return m.mirror(0, 0, 0, 0) && m.mirror(0, 0, 1, 1); }},
+        {"grayscale", [](mif& m) { return m.grayscale(); }},
+        {"normalize", [&](mif& m) { return m.normalize(&inner); }},
+        {"quantize", [](mif& m) { return m.quantize(2, 1, nullptr); }},
+        {"blur", [&](mif& m) { return m.blur_gauss_rle(&inner, 1.5); }},
+        {"solidfill", [](mif& m) { return m.solidfill(0, 0, 1, 1, 0x808080, 128, 1); }},
+        {"blt", [](mif& m) { return m.blt(0, 0, 1, 1, &m, m.width() - 1, m.height() - 1); }},
+        {"addlayer", [](mif& m) { const mif top(m.dib()); return m.addlayer(&top, 0, 0, 12, 100); }},
+        {"settoalpha", [](mif& m) { return m.settoalpha(); }},
+        {"setdepth", [](mif& m) { return m.setdepth(4) && m.setdepth(16); }},
+    };
+    for (const Format& f : AllFormats())
+        for (auto [w, h] : {std::pair{1, 1}, {3, 1}, {1, 3}, {7, 5}})
+            for (const auto& [name, run] : members) {
+                mif image(Pattern(w, h, f));
+                EXPECT_TRUE(run(image)) << name << " " << f.name() << " " << w << "x" << h;
+                EXPECT_TRUE(WellFormed(image.dib())) << name << " " << f.name() << " " << w << "x" << h;
+                EXPECT_GE(image.countcolors(), 1);
+            }
 }
