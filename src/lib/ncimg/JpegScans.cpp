@@ -39,7 +39,7 @@ private:
 
 constexpr int kZeroRun16 = 0xf0;
 constexpr int kMaxEobRun = 0x7fff;
-constexpr size_t kMaxPendingBits = 1000;
+constexpr int kMaxPendingBits = 1000;
 
 // A signed value as its size category and the extra bits that follow the symbol
 // (negative values in one's complement).
@@ -68,6 +68,41 @@ inline uint64_t NonzeroMask(const int16_t* zz) {
     for (int k = 0; k < 64; ++k) mask |= static_cast<uint64_t>(zz[k] != 0) << k;
 #endif
     return mask;
+}
+
+// Magnitudes of all 64 coefficients after a point transform (|value| >> shift), with a
+// bit per coefficient whose magnitude is non-zero and one per magnitude of exactly 1.
+struct BlockMagnitudes {
+    alignas(16) uint16_t value[64];
+    uint64_t nonzero = 0;
+    uint64_t ones = 0;
+};
+
+inline void PointTransform(const int16_t* zz, int shift, BlockMagnitudes& m) {
+    m.nonzero = m.ones = 0;
+#if defined(__SSE2__)
+    const __m128i zero = _mm_setzero_si128(), one = _mm_set1_epi16(1);
+    const __m128i count = _mm_cvtsi32_si128(shift);
+    for (int k = 0; k < 64; k += 16) {
+        __m128i v[2];
+        for (int h = 0; h < 2; ++h) {
+            const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(zz + k + 8 * h));
+            const __m128i sign = _mm_srai_epi16(x, 15);
+            v[h] = _mm_srl_epi16(_mm_sub_epi16(_mm_xor_si128(x, sign), sign), count);
+            _mm_store_si128(reinterpret_cast<__m128i*>(m.value + k + 8 * h), v[h]);
+        }
+        const int zeros = _mm_movemask_epi8(_mm_packs_epi16(_mm_cmpeq_epi16(v[0], zero), _mm_cmpeq_epi16(v[1], zero)));
+        const int units = _mm_movemask_epi8(_mm_packs_epi16(_mm_cmpeq_epi16(v[0], one), _mm_cmpeq_epi16(v[1], one)));
+        m.nonzero |= static_cast<uint64_t>(~zeros & 0xffff) << k;
+        m.ones |= static_cast<uint64_t>(units) << k;
+    }
+#else
+    for (int k = 0; k < 64; ++k) {
+        m.value[k] = static_cast<uint16_t>(static_cast<uint32_t>(std::abs(zz[k])) >> shift);
+        m.nonzero |= static_cast<uint64_t>(m.value[k] != 0) << k;
+        m.ones |= static_cast<uint64_t>(m.value[k] == 1) << k;
+    }
+#endif
 }
 
 template <class Sink>
@@ -111,7 +146,10 @@ template <class Sink>
 class ProgressiveCoder {
 public:
     ProgressiveCoder(const JpegFrame& frame, const ProgressiveScan& scan, Sink& sink)
-        : frame_(frame), scan_(scan), sink_(sink) {}
+        : frame_(frame), scan_(scan), sink_(sink) {
+        const int width = scan.spectralEnd - scan.spectralStart + 1;
+        band_ = (width >= 64 ? ~uint64_t{0} : ((uint64_t{1} << width) - 1)) << scan.spectralStart;
+    }
 
     void run() {
         const bool dcScan = scan_.spectralStart == 0;
@@ -156,48 +194,52 @@ private:
     }
 
     void acFirst(const int16_t* zz) {
-        int run = 0;
-        for (int k = scan_.spectralStart; k <= scan_.spectralEnd; ++k) {
-            const int value = zz[k];
-            const uint32_t magnitude = static_cast<uint32_t>(std::abs(value)) >> scan_.bitLow;
-            if (magnitude == 0) {
-                ++run;
-                continue;
-            }
+        BlockMagnitudes m;
+        PointTransform(zz, scan_.bitLow, m);
+        const uint16_t* magnitude = m.value;
+        uint64_t nonzero = m.nonzero & band_;
+        int last = scan_.spectralStart - 1;
+        while (nonzero) {
+            const int k = __builtin_ctzll(nonzero);
+            nonzero &= nonzero - 1;
             flushEobRun();
+            int run = k - last - 1;
             for (; run >= 16; run -= 16) sink_.ac(acSlot(), kZeroRun16, 0, 0);
-            const int size = BitLength(magnitude);
-            const uint32_t extra = value < 0 ? (~magnitude & ((1u << size) - 1)) : magnitude;
+            const uint32_t value = magnitude[k];
+            const int size = BitLength(value);
+            const uint32_t extra = zz[k] < 0 ? (~value & ((1u << size) - 1)) : value;
             sink_.ac(acSlot(), run << 4 | size, extra, size);
-            run = 0;
+            last = k;
         }
-        if (run > 0 && ++eobRun_ == kMaxEobRun) flushEobRun();
+        if (last < scan_.spectralEnd && ++eobRun_ == kMaxEobRun) flushEobRun();
     }
 
+    // Coefficients already non-zero from earlier scans (magnitude above 1) send one more
+    // bit each, after the next symbol; they neither count in nor end a run of zeros.
     void acRefine(const int16_t* zz) {
-        int magnitude[64];
-        int lastNew = -1;  // the last coefficient that becomes non-zero in this scan
-        for (int k = scan_.spectralStart; k <= scan_.spectralEnd; ++k) {
-            magnitude[k] = std::abs(zz[k]) >> scan_.bitLow;
-            if (magnitude[k] == 1) lastNew = k;
-        }
-        int run = 0;
-        blockBits_.clear();
-        for (int k = scan_.spectralStart; k <= scan_.spectralEnd; ++k) {
-            if (magnitude[k] == 0) {
-                ++run;
-                continue;
-            }
+        BlockMagnitudes m;
+        PointTransform(zz, scan_.bitLow, m);
+        const uint16_t* magnitude = m.value;
+        uint64_t nonzero = m.nonzero & band_;
+        const uint64_t fresh = m.ones & band_;  // coefficients that become non-zero in this scan
+        const int lastFresh = fresh ? 63 - __builtin_clzll(fresh) : -1;
+        int run = 0, previous = scan_.spectralStart - 1;
+        blockBitCount_ = 0;
+        while (nonzero) {
+            const int k = __builtin_ctzll(nonzero);
+            nonzero &= nonzero - 1;
+            run += k - previous - 1;
+            previous = k;
             // A run of 16 zeros is coded only while a new coefficient is still to come;
             // otherwise the end-of-block covers it.
-            while (run > 15 && k <= lastNew) {
+            while (run > 15 && k <= lastFresh) {
                 flushEobRun();
                 sink_.ac(acSlot(), kZeroRun16, 0, 0);
                 run -= 16;
                 emitBlockBits();
             }
             if (magnitude[k] > 1) {
-                blockBits_.push_back(static_cast<uint8_t>(magnitude[k] & 1));  // already known: one more bit
+                blockBits_[blockBitCount_++] = static_cast<uint8_t>(magnitude[k] & 1);
                 continue;
             }
             flushEobRun();
@@ -205,16 +247,17 @@ private:
             emitBlockBits();
             run = 0;
         }
-        if (run > 0 || !blockBits_.empty()) {
+        run += scan_.spectralEnd - previous;
+        if (run > 0 || blockBitCount_ > 0) {
             ++eobRun_;
-            pendingBits_.insert(pendingBits_.end(), blockBits_.begin(), blockBits_.end());
-            if (eobRun_ == kMaxEobRun || pendingBits_.size() > kMaxPendingBits) flushEobRun();
+            for (int i = 0; i < blockBitCount_; ++i) pendingBits_[pendingBitCount_++] = blockBits_[i];
+            if (eobRun_ == kMaxEobRun || pendingBitCount_ > kMaxPendingBits) flushEobRun();
         }
     }
 
     void emitBlockBits() {
-        for (uint8_t bit : blockBits_) sink_.bits(bit, 1);
-        blockBits_.clear();
+        for (int i = 0; i < blockBitCount_; ++i) sink_.bits(blockBits_[i], 1);
+        blockBitCount_ = 0;
     }
 
     void flushEobRun() {
@@ -223,17 +266,21 @@ private:
             sink_.ac(acSlot(), size << 4, eobRun_ & ((1u << size) - 1), size);
             eobRun_ = 0;
         }
-        for (uint8_t bit : pendingBits_) sink_.bits(bit, 1);
-        pendingBits_.clear();
+        for (int i = 0; i < pendingBitCount_; ++i) sink_.bits(pendingBits_[i], 1);
+        pendingBitCount_ = 0;
     }
 
     const JpegFrame& frame_;
     const ProgressiveScan& scan_;
     Sink& sink_;
     int predictor_[4] = {};
+    uint64_t band_ = 0;  // a bit per coefficient of the scan's spectral band
     uint32_t eobRun_ = 0;
-    std::vector<uint8_t> pendingBits_;
-    std::vector<uint8_t> blockBits_;
+    // Correction bits owed once the EOB run is sent, and those of the current block.
+    uint8_t pendingBits_[kMaxPendingBits + 64];
+    int pendingBitCount_ = 0;
+    uint8_t blockBits_[64];
+    int blockBitCount_ = 0;
 };
 
 }  // namespace

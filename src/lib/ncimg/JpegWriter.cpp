@@ -5,6 +5,7 @@
 #include "JpegScans.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstring>
 #include <thread>
@@ -184,17 +185,24 @@ private:
     std::vector<float> band_;  // eight rows of samples ready for the DCT
 };
 
-// Runs fn(begin, end, part) over contiguous parts of [0, count) on up to as many threads
-// as the machine has cores; small jobs stay on the calling thread.
+constexpr int kMaxParts = 16;
+
+// Splits [0, count) into contiguous parts of at least minPerPart (at most kMaxParts) and
+// runs fn(begin, end, part) for each, on as many threads as there are cores. Threads take
+// the next part whenever they finish one, so a core that falls behind holds up little.
+// Returns the number of parts.
 template <class Fn>
 int ForEachPart(int count, int minPerPart, Fn fn) {
     const int cores = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
-    const int parts = std::clamp(count / std::max(minPerPart, 1), 1, std::min(cores, 8));
+    const int parts = std::clamp(count / std::max(minPerPart, 1), 1, std::min(kMaxParts, 4 * cores));
+    std::atomic<int> next{0};
+    auto work = [&] {
+        for (int p = next++; p < parts; p = next++)
+            fn(static_cast<int>(int64_t{count} * p / parts), static_cast<int>(int64_t{count} * (p + 1) / parts), p);
+    };
     std::vector<std::thread> threads;
-    for (int p = 1; p < parts; ++p)
-        threads.emplace_back(fn, static_cast<int>(int64_t{count} * p / parts),
-                             static_cast<int>(int64_t{count} * (p + 1) / parts), p);
-    fn(0, static_cast<int>(count / parts), 0);
+    for (int t = 1; t < std::min(cores, parts); ++t) threads.emplace_back(work);
+    work();
     for (auto& t : threads) t.join();
     return parts;
 }
@@ -326,7 +334,7 @@ void PutStandardScan(std::vector<uint8_t>& out, const JpegFrame& frame, const Sa
         ac[s] = StandardAcSpec(s);
     }
     const ScanCodes codes = PutSequentialTables(out, frame, dc, ac);
-    std::vector<BitStream> partBits(8);
+    std::vector<BitStream> partBits(kMaxParts);
     const int parts = ForEachPart(frame.mcusDown, 8, [&](int begin, int end, int part) {
         JpegFrame rows = PlanFrame(frame.width, frame.height, frame.components.size() == 1, false);
         CoefficientMaker maker(source.dib, rows, source.quantizers, source.smoothing);
@@ -347,7 +355,7 @@ void PutStandardScan(std::vector<uint8_t>& out, const JpegFrame& frame, const Sa
 // The sequential scan with tables made for this image: count in parallel parts, build
 // the tables, then code in the same parts.
 void PutOptimizedScan(std::vector<uint8_t>& out, const JpegFrame& frame) {
-    std::vector<ScanCounts> partCounts(8);
+    std::vector<ScanCounts> partCounts(kMaxParts);
     const int parts = ForEachPart(frame.mcusDown, 8, [&](int begin, int end, int part) {
         DcPredictors predictors = begin > 0 ? PredictorsAfterRow(frame, begin - 1) : DcPredictors();
         CountSequential(frame, begin, end, predictors, partCounts[part]);
@@ -359,7 +367,7 @@ void PutOptimizedScan(std::vector<uint8_t>& out, const JpegFrame& frame) {
         ac[s] = OptimalSpec(partCounts[0].ac[s]);
     }
     const ScanCodes codes = PutSequentialTables(out, frame, dc, ac);
-    std::vector<BitStream> partBits(8);
+    std::vector<BitStream> partBits(kMaxParts);
     ForEachPart(frame.mcusDown, 8, [&](int begin, int end, int part) {
         DcPredictors predictors = begin > 0 ? PredictorsAfterRow(frame, begin - 1) : DcPredictors();
         EncodeSequential(frame, begin, end, predictors, codes, partBits[part]);
@@ -367,27 +375,39 @@ void PutOptimizedScan(std::vector<uint8_t>& out, const JpegFrame& frame) {
     JoinParts(out, partBits, parts);
 }
 
-void PutProgressiveScans(std::vector<uint8_t>& out, const JpegFrame& frame) {
-    for (const ProgressiveScan& scan : StandardProgression(static_cast<int>(frame.components.size()))) {
-        ScanCounts counts;
-        CountProgressive(frame, scan, counts);
-        ScanCodes codes;
-        const bool dcScan = scan.spectralStart == 0;
-        if (!dcScan || scan.bitHigh == 0) {
-            bool used[2] = {};
-            for (int c : scan.components) used[frame.components[c].tableIndex] = true;
-            for (int s = 0; s < 2; ++s) {
-                if (!used[s]) continue;
-                const HuffmanSpec spec = OptimalSpec(dcScan ? counts.dc[s] : counts.ac[s]);
-                PutHuffmanTable(out, !dcScan, s, spec);
-                (dcScan ? codes.dc[s] : codes.ac[s]) = MakeCodes(spec);
-            }
+// One progressive scan with its own optimal tables: DHT markers, header and data.
+std::vector<uint8_t> ProgressiveScanBytes(const JpegFrame& frame, const ProgressiveScan& scan) {
+    std::vector<uint8_t> out;
+    ScanCounts counts;
+    CountProgressive(frame, scan, counts);
+    ScanCodes codes;
+    const bool dcScan = scan.spectralStart == 0;
+    if (!dcScan || scan.bitHigh == 0) {  // DC refinement sends raw bits only
+        bool used[2] = {};
+        for (int c : scan.components) used[frame.components[c].tableIndex] = true;
+        for (int s = 0; s < 2; ++s) {
+            if (!used[s]) continue;
+            const HuffmanSpec spec = OptimalSpec(dcScan ? counts.dc[s] : counts.ac[s]);
+            PutHuffmanTable(out, !dcScan, s, spec);
+            (dcScan ? codes.dc[s] : codes.ac[s]) = MakeCodes(spec);
         }
-        PutScanHeader(out, frame, scan.components, scan.spectralStart, scan.spectralEnd, scan.bitHigh, scan.bitLow);
-        BitStream bits;
-        EncodeProgressive(frame, scan, codes, bits);
-        bits.appendStuffed(out);
     }
+    PutScanHeader(out, frame, scan.components, scan.spectralStart, scan.spectralEnd, scan.bitHigh, scan.bitLow);
+    BitStream bits;
+    EncodeProgressive(frame, scan, codes, bits);
+    bits.appendStuffed(out);
+    return out;
+}
+
+// The scans depend only on the coefficients, not on each other, so they are made in
+// parallel and written in order.
+void PutProgressiveScans(std::vector<uint8_t>& out, const JpegFrame& frame) {
+    const std::vector<ProgressiveScan> scans = StandardProgression(static_cast<int>(frame.components.size()));
+    std::vector<std::vector<uint8_t>> pieces(scans.size());
+    ForEachPart(static_cast<int>(scans.size()), 1, [&](int begin, int end, int) {
+        for (int i = begin; i < end; ++i) pieces[i] = ProgressiveScanBytes(frame, scans[i]);
+    });
+    for (const auto& piece : pieces) out.insert(out.end(), piece.begin(), piece.end());
 }
 
 }  // namespace
