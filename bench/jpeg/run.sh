@@ -55,7 +55,7 @@ for form in standard optimize progressive; do
     so=$(stat -c %s "$work/ours.jpg")
     pc=$(psnr "$work/cjpeg.jpg")
     po=$(psnr "$work/ours.jpg")
-    printf "%-12s %10.3f %10.3f %10.2f %10d %10d %10.4f %8.2f %8.2f\n" "$form" "$tc" "$to" \
+    printf "%-12s %10.3f %10.3f %10.2f %10d %10d %10.4f %8.3f %8.3f\n" "$form" "$tc" "$to" \
         "$(echo "$tc / $to" | bc -l)" "$sc" "$so" "$(echo "$so / $sc" | bc -l)" "$pc" "$po"
 done
 echo "speed = cjpeg time / our time (above 1: faster); size = our bytes / cjpeg bytes"
