@@ -1,5 +1,5 @@
-// Test doubles for the rename run: a folder held in memory and a sink that records what it
-// was told and answers questions with a fixed button.
+// Test doubles for the rename run: shooting times, a folder held in memory and a sink that
+// records what it was told and answers questions with a fixed button.
 #pragma once
 
 #include <map>
@@ -11,6 +11,19 @@
 #include "ToolSink.h"
 
 namespace lxtest {
+
+inline lx::ShootingTime ShotAt(int year, int month, int day, int hour = 0, int minute = 0, int second = 0,
+                               int milliseconds = 0) {
+    lx::ShootingTime t;
+    t.year = static_cast<uint16_t>(year);
+    t.month = static_cast<uint16_t>(month);
+    t.day = static_cast<uint16_t>(day);
+    t.hour = static_cast<uint16_t>(hour);
+    t.minute = static_cast<uint16_t>(minute);
+    t.second = static_cast<uint16_t>(second);
+    t.milliseconds = static_cast<uint16_t>(milliseconds);
+    return t;
+}
 
 class MemoryFolder {
 public:

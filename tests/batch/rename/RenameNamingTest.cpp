@@ -2,19 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "FakeRenameWorld.h"
+
 namespace lx {
 namespace {
 
-ShootingTime At(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
-    ShootingTime t;
-    t.year = static_cast<uint16_t>(year);
-    t.month = static_cast<uint16_t>(month);
-    t.day = static_cast<uint16_t>(day);
-    t.hour = static_cast<uint16_t>(hour);
-    t.minute = static_cast<uint16_t>(minute);
-    t.second = static_cast<uint16_t>(second);
-    return t;
-}
+using lxtest::ShotAt;
 
 RenameEntry Photo(const std::wstring& path, const ShootingTime& time) {
     RenameEntry entry;
@@ -30,7 +23,7 @@ std::vector<std::wstring> NewNames(const std::vector<RenameEntry>& entries) {
 }
 
 TEST(RenameNaming, EachItemProducesItsText) {
-    const ShootingTime t = At(2024, 5, 7, 9, 3, 8);
+    const ShootingTime t = ShotAt(2024, 5, 7, 9, 3, 8);
     const std::wstring old = L"C:\\photos\\IMG_0001.JPG";
     EXPECT_EQ(NameItemText(kItemNone, t, 5, old), L"");
     EXPECT_EQ(NameItemText(kItemDate8, t, 5, old), L"20240507");
@@ -50,16 +43,16 @@ TEST(RenameNaming, EachItemProducesItsText) {
 }
 
 TEST(RenameNaming, TwoDigitYearWrapsAtTheCentury) {
-    EXPECT_EQ(NameItemText(kItemDate6, At(2000, 1, 2), 1, L"a.jpg"), L"000102");
-    EXPECT_EQ(NameItemText(kItemDate6, At(1999, 12, 31), 1, L"a.jpg"), L"991231");
+    EXPECT_EQ(NameItemText(kItemDate6, ShotAt(2000, 1, 2), 1, L"a.jpg"), L"000102");
+    EXPECT_EQ(NameItemText(kItemDate6, ShotAt(1999, 12, 31), 1, L"a.jpg"), L"991231");
 }
 
 TEST(RenameNaming, EraTableKeepsItsTwoQuirks) {
-    EXPECT_EQ(NameItemText(kItemEraDate, At(1990, 3, 4), 1, L"a.jpg"), L"H020304");
-    EXPECT_EQ(NameItemText(kItemEraDate, At(2020, 3, 4), 1, L"a.jpg"), L"H320304");
-    EXPECT_EQ(NameItemText(kItemEraDate, At(1900, 3, 4), 1, L"a.jpg"), L"M320304");
-    EXPECT_EQ(NameItemText(kItemEraDate, At(1868, 3, 4), 1, L"a.jpg"), L"M000304");
-    EXPECT_EQ(NameItemText(kItemEraDate, At(2019, 5, 1), 1, L"a.jpg"), L"H310501");
+    EXPECT_EQ(NameItemText(kItemEraDate, ShotAt(1990, 3, 4), 1, L"a.jpg"), L"H020304");
+    EXPECT_EQ(NameItemText(kItemEraDate, ShotAt(2020, 3, 4), 1, L"a.jpg"), L"H320304");
+    EXPECT_EQ(NameItemText(kItemEraDate, ShotAt(1900, 3, 4), 1, L"a.jpg"), L"M320304");
+    EXPECT_EQ(NameItemText(kItemEraDate, ShotAt(1868, 3, 4), 1, L"a.jpg"), L"M000304");
+    EXPECT_EQ(NameItemText(kItemEraDate, ShotAt(2019, 5, 1), 1, L"a.jpg"), L"H310501");
     // Boundaries are by year only; the day the era changed plays no part.
     EXPECT_EQ(EraOfYear(1911).letter, L'M');
     EXPECT_EQ(EraOfYear(1911).year, 43);
@@ -86,7 +79,7 @@ TEST(RenameNaming, PathPartsLookOnlyAtTheFileName) {
 }
 
 TEST(RenameNaming, ItemsJoinWithUnderscoreKeepingFolderAndExtension) {
-    std::vector<RenameEntry> entries{Photo(L"C:\\p\\IMG_0001.jpg", At(2024, 5, 7, 10, 20, 30))};
+    std::vector<RenameEntry> entries{Photo(L"C:\\p\\IMG_0001.jpg", ShotAt(2024, 5, 7, 10, 20, 30))};
     BuildPreview(entries, {kItemDate8, kItemNone, kItemCounter1, kResetNever});
     EXPECT_EQ(entries[0].newPath, L"C:\\p\\20240507_1.jpg");
 
@@ -98,13 +91,13 @@ TEST(RenameNaming, ItemsJoinWithUnderscoreKeepingFolderAndExtension) {
 }
 
 TEST(RenameNaming, OldNameAloneRebuildsTheSamePath) {
-    std::vector<RenameEntry> entries{Photo(L"C:\\p\\IMG_0001.jpg", At(2024, 5, 7))};
+    std::vector<RenameEntry> entries{Photo(L"C:\\p\\IMG_0001.jpg", ShotAt(2024, 5, 7))};
     BuildPreview(entries, {kItemNone, kItemNone, kItemOldName, kResetNever});
     EXPECT_EQ(entries[0].newPath, entries[0].oldPath);
 }
 
 TEST(RenameNaming, NoItemsAndNameWithoutTextGiveNoNewPath) {
-    std::vector<RenameEntry> entries{Photo(L"C:\\p\\.jpg", At(2024, 5, 7))};
+    std::vector<RenameEntry> entries{Photo(L"C:\\p\\.jpg", ShotAt(2024, 5, 7))};
     BuildPreview(entries, {kItemNone, kItemNone, kItemNone, kResetNever});
     EXPECT_EQ(entries[0].newPath, L"");
     // The old name of ".jpg" is empty, so there is nothing to name the file after.
@@ -116,17 +109,17 @@ TEST(RenameNaming, NoItemsAndNameWithoutTextGiveNoNewPath) {
 }
 
 TEST(RenameNaming, CounterRunsOnWithoutReset) {
-    std::vector<RenameEntry> entries{Photo(L"a.jpg", At(2024, 5, 5)), Photo(L"b.jpg", At(2024, 5, 6)),
-                                     Photo(L"c.jpg", At(2025, 1, 1))};
+    std::vector<RenameEntry> entries{Photo(L"a.jpg", ShotAt(2024, 5, 5)), Photo(L"b.jpg", ShotAt(2024, 5, 6)),
+                                     Photo(L"c.jpg", ShotAt(2025, 1, 1))};
     BuildPreview(entries, {kItemCounter3, kItemNone, kItemNone, kResetNever});
     EXPECT_EQ(NewNames(entries), (std::vector<std::wstring>{L"001.jpg", L"002.jpg", L"003.jpg"}));
 }
 
 TEST(RenameNaming, ResetRulesCompareOneFieldOnly) {
     // 5 May, 5 May, 5 June, 6 June 2024, then 6 June 2025.
-    std::vector<RenameEntry> entries{Photo(L"a.jpg", At(2024, 5, 5, 8)), Photo(L"b.jpg", At(2024, 5, 5, 9)),
-                                     Photo(L"c.jpg", At(2024, 6, 5)), Photo(L"d.jpg", At(2024, 6, 6)),
-                                     Photo(L"e.jpg", At(2025, 6, 6))};
+    std::vector<RenameEntry> entries{Photo(L"a.jpg", ShotAt(2024, 5, 5, 8)), Photo(L"b.jpg", ShotAt(2024, 5, 5, 9)),
+                                     Photo(L"c.jpg", ShotAt(2024, 6, 5)), Photo(L"d.jpg", ShotAt(2024, 6, 6)),
+                                     Photo(L"e.jpg", ShotAt(2025, 6, 6))};
     BuildPreview(entries, {kItemCounter1, kItemNone, kItemNone, kResetOnDay});
     EXPECT_EQ(NewNames(entries), (std::vector<std::wstring>{L"1.jpg", L"2.jpg", L"3.jpg", L"1.jpg", L"2.jpg"}));
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "FakeRenameWorld.h"
+
 #include <algorithm>
 
 #include "LogicalOrder.h"
@@ -9,17 +11,7 @@
 namespace lx {
 namespace {
 
-ShootingTime At(int year, int month, int day, int hour, int minute, int second, int ms = 0) {
-    ShootingTime t;
-    t.year = static_cast<uint16_t>(year);
-    t.month = static_cast<uint16_t>(month);
-    t.day = static_cast<uint16_t>(day);
-    t.hour = static_cast<uint16_t>(hour);
-    t.minute = static_cast<uint16_t>(minute);
-    t.second = static_cast<uint16_t>(second);
-    t.milliseconds = static_cast<uint16_t>(ms);
-    return t;
-}
+using lxtest::ShotAt;
 
 int Sign(int value) { return (value > 0) - (value < 0); }
 
@@ -61,26 +53,26 @@ TEST(LogicalOrder, IsAntisymmetricOverAMixedSet) {
 }
 
 TEST(RenameOrder, ShotTimeComparesToTheMillisecondIgnoringWeekday) {
-    ShootingTime a = At(2024, 5, 7, 10, 0, 0, 1);
-    ShootingTime b = At(2024, 5, 7, 10, 0, 0, 2);
+    ShootingTime a = ShotAt(2024, 5, 7, 10, 0, 0, 1);
+    ShootingTime b = ShotAt(2024, 5, 7, 10, 0, 0, 2);
     EXPECT_LT(CompareShotTimes(a, b), 0);
     EXPECT_GT(CompareShotTimes(b, a), 0);
     b.milliseconds = 1;
     b.dayOfWeek = 3;
     EXPECT_EQ(CompareShotTimes(a, b), 0);
     // Each field outranks all the ones after it.
-    EXPECT_LT(CompareShotTimes(At(2023, 12, 31, 23, 59, 59, 999), At(2024, 1, 1, 0, 0, 0)), 0);
-    EXPECT_LT(CompareShotTimes(At(2024, 1, 31, 23, 0, 0), At(2024, 2, 1, 0, 0, 0)), 0);
-    EXPECT_LT(CompareShotTimes(At(2024, 1, 1, 9, 59, 0), At(2024, 1, 1, 10, 0, 0)), 0);
+    EXPECT_LT(CompareShotTimes(ShotAt(2023, 12, 31, 23, 59, 59, 999), ShotAt(2024, 1, 1, 0, 0, 0)), 0);
+    EXPECT_LT(CompareShotTimes(ShotAt(2024, 1, 31, 23, 0, 0), ShotAt(2024, 2, 1, 0, 0, 0)), 0);
+    EXPECT_LT(CompareShotTimes(ShotAt(2024, 1, 1, 9, 59, 0), ShotAt(2024, 1, 1, 10, 0, 0)), 0);
 }
 
 TEST(RenameOrder, SortsByTimeThenByLogicalName) {
     std::vector<RenameEntry> entries(5);
-    entries[0] = {L"C:\\p\\IMG10.jpg", L"", At(2024, 5, 7, 10, 0, 0)};
-    entries[1] = {L"C:\\p\\IMG2.jpg", L"", At(2024, 5, 7, 10, 0, 0)};
-    entries[2] = {L"C:\\p\\late.jpg", L"", At(2024, 5, 8, 0, 0, 0)};
-    entries[3] = {L"C:\\z\\early.jpg", L"", At(2023, 1, 1, 0, 0, 0)};
-    entries[4] = {L"C:\\a\\IMG3.jpg", L"", At(2024, 5, 7, 10, 0, 0)};
+    entries[0] = {L"C:\\p\\IMG10.jpg", L"", ShotAt(2024, 5, 7, 10, 0, 0)};
+    entries[1] = {L"C:\\p\\IMG2.jpg", L"", ShotAt(2024, 5, 7, 10, 0, 0)};
+    entries[2] = {L"C:\\p\\late.jpg", L"", ShotAt(2024, 5, 8, 0, 0, 0)};
+    entries[3] = {L"C:\\z\\early.jpg", L"", ShotAt(2023, 1, 1, 0, 0, 0)};
+    entries[4] = {L"C:\\a\\IMG3.jpg", L"", ShotAt(2024, 5, 7, 10, 0, 0)};
     SortRenameEntries(entries, CompareLogical);
     std::vector<std::wstring> order;
     for (const auto& e : entries) order.push_back(e.oldPath);
@@ -91,9 +83,9 @@ TEST(RenameOrder, SortsByTimeThenByLogicalName) {
 
 TEST(RenameOrder, EqualEntriesKeepTheirListOrder) {
     std::vector<RenameEntry> entries(3);
-    entries[0] = {L"C:\\b\\same.jpg", L"", At(2024, 5, 7, 10, 0, 0)};
-    entries[1] = {L"C:\\a\\same.jpg", L"", At(2024, 5, 7, 10, 0, 0)};
-    entries[2] = {L"C:\\c\\SAME.jpg", L"", At(2024, 5, 7, 10, 0, 0)};
+    entries[0] = {L"C:\\b\\same.jpg", L"", ShotAt(2024, 5, 7, 10, 0, 0)};
+    entries[1] = {L"C:\\a\\same.jpg", L"", ShotAt(2024, 5, 7, 10, 0, 0)};
+    entries[2] = {L"C:\\c\\SAME.jpg", L"", ShotAt(2024, 5, 7, 10, 0, 0)};
     SortRenameEntries(entries, CompareLogical);
     EXPECT_EQ(entries[0].oldPath, L"C:\\b\\same.jpg");
     EXPECT_EQ(entries[1].oldPath, L"C:\\a\\same.jpg");
@@ -101,10 +93,10 @@ TEST(RenameOrder, EqualEntriesKeepTheirListOrder) {
 }
 
 TEST(RenameOrder, GroupIdsFollowTheFormulaIncludingItsCollisions) {
-    EXPECT_EQ(RenameGroupId(At(2024, 5, 7, 0, 0, 0)), 2024507);
-    EXPECT_EQ(RenameGroupId(At(2024, 11, 5, 0, 0, 0)), 2025105);
-    EXPECT_EQ(RenameGroupId(At(2025, 1, 5, 0, 0, 0)), 2025105);
-    EXPECT_NE(RenameGroupId(At(2024, 5, 7, 0, 0, 0)), RenameGroupId(At(2024, 5, 8, 0, 0, 0)));
+    EXPECT_EQ(RenameGroupId(ShotAt(2024, 5, 7, 0, 0, 0)), 2024507);
+    EXPECT_EQ(RenameGroupId(ShotAt(2024, 11, 5, 0, 0, 0)), 2025105);
+    EXPECT_EQ(RenameGroupId(ShotAt(2025, 1, 5, 0, 0, 0)), 2025105);
+    EXPECT_NE(RenameGroupId(ShotAt(2024, 5, 7, 0, 0, 0)), RenameGroupId(ShotAt(2024, 5, 8, 0, 0, 0)));
 }
 
 }  // namespace

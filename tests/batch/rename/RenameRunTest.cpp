@@ -10,14 +10,7 @@
 namespace lx {
 namespace {
 
-ShootingTime At(int year, int month, int day, int hour = 12) {
-    ShootingTime t;
-    t.year = static_cast<uint16_t>(year);
-    t.month = static_cast<uint16_t>(month);
-    t.day = static_cast<uint16_t>(day);
-    t.hour = static_cast<uint16_t>(hour);
-    return t;
-}
+using lxtest::ShotAt;
 
 class RenameRunTest : public ::testing::Test {
 protected:
@@ -51,7 +44,7 @@ protected:
 
 TEST_F(RenameRunTest, NoFileWithShootingTimeShowsTheMessageAndRenamesNothing) {
     Add(L"d\\plain.jpg", nullptr);
-    const ShootingTime t = At(2024, 5, 7);
+    const ShootingTime t = ShotAt(2024, 5, 7);
     exif[L"d\\gone.jpg"] = t;  // a time would be found, but the file is not there
     const RenameRunResult result = Run({kItemDate8, 0, 0, 0}, {L"d\\plain.jpg", L"d\\gone.jpg"});
     EXPECT_EQ(result.listed, 0);
@@ -61,7 +54,7 @@ TEST_F(RenameRunTest, NoFileWithShootingTimeShowsTheMessageAndRenamesNothing) {
 }
 
 TEST_F(RenameRunTest, NamesTheExampleAndReportsIt) {
-    const ShootingTime t = At(2024, 5, 7);
+    const ShootingTime t = ShotAt(2024, 5, 7);
     Add(L"d\\IMG_0001.jpg", &t);
     Add(L"d\\other.jpg", nullptr);
     const RenameRunResult result = Run({kItemDate8, kItemNone, kItemCounter1, kResetNever},
@@ -79,7 +72,7 @@ TEST_F(RenameRunTest, NamesTheExampleAndReportsIt) {
 }
 
 TEST_F(RenameRunTest, AnsweringNoLeavesEveryFile) {
-    const ShootingTime t = At(2024, 5, 7);
+    const ShootingTime t = ShotAt(2024, 5, 7);
     Add(L"d\\a.jpg", &t);
     sink.answer = kIdNo;
     const RenameRunResult result = Run({kItemDate8, 0, 0, 0}, {L"d\\a.jpg"});
@@ -89,7 +82,7 @@ TEST_F(RenameRunTest, AnsweringNoLeavesEveryFile) {
 }
 
 TEST_F(RenameRunTest, NoItemsAsksNothingAndRenamesNothing) {
-    const ShootingTime t = At(2024, 5, 7);
+    const ShootingTime t = ShotAt(2024, 5, 7);
     Add(L"d\\a.jpg", &t);
     const RenameRunResult result = Run({}, {L"d\\a.jpg"});
     EXPECT_EQ(result.listed, 1);
@@ -98,7 +91,7 @@ TEST_F(RenameRunTest, NoItemsAsksNothingAndRenamesNothing) {
 }
 
 TEST_F(RenameRunTest, OldNameItemAloneRenamesNothing) {
-    const ShootingTime t = At(2024, 5, 7);
+    const ShootingTime t = ShotAt(2024, 5, 7);
     Add(L"d\\a.jpg", &t);
     const RenameRunResult result = Run({kItemNone, kItemNone, kItemOldName, kResetNever}, {L"d\\a.jpg"});
     EXPECT_TRUE(result.confirmed);
@@ -107,7 +100,7 @@ TEST_F(RenameRunTest, OldNameItemAloneRenamesNothing) {
 }
 
 TEST_F(RenameRunTest, AnEarlierRenameOfTheSameRunPushesTheNextToNumberOne) {
-    const ShootingTime morning = At(2024, 5, 7, 8), evening = At(2024, 5, 7, 20);
+    const ShootingTime morning = ShotAt(2024, 5, 7, 8), evening = ShotAt(2024, 5, 7, 20);
     Add(L"d\\IMG10.jpg", &morning);
     Add(L"d\\IMG2.jpg", &evening);
     Add(L"d\\IMG3.jpg", &evening);
@@ -121,7 +114,7 @@ TEST_F(RenameRunTest, AnEarlierRenameOfTheSameRunPushesTheNextToNumberOne) {
 }
 
 TEST_F(RenameRunTest, LockedFileAndTakenNamesLoseNothing) {
-    const ShootingTime t = At(2024, 5, 7);
+    const ShootingTime t = ShotAt(2024, 5, 7);
     Add(L"d\\a.jpg", &t);
     Add(L"d\\b.jpg", &t);
     Add(L"d\\20240507_1.jpg", nullptr);
@@ -131,7 +124,7 @@ TEST_F(RenameRunTest, LockedFileAndTakenNamesLoseNothing) {
 }
 
 TEST_F(RenameRunTest, CancellingStopsBetweenFiles) {
-    const ShootingTime t = At(2024, 5, 7);
+    const ShootingTime t = ShotAt(2024, 5, 7);
     Add(L"d\\a.jpg", &t);
     Add(L"d\\b.jpg", &t);
     Add(L"d\\c.jpg", &t);
