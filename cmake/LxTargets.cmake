@@ -14,6 +14,11 @@ if(LX_SANITIZE AND NOT WIN32)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+if(LX_LIBFUZZER AND NOT WIN32)
+  # Coverage for the code under test, not only the fuzz program itself.
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 if(WIN32)
   # Only Windows system DLLs may be imported: the C++ runtime, libgcc and winpthread are static.
   add_link_options(-static -static-libgcc -static-libstdc++)
