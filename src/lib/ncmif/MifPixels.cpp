@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
+#include <system_error>
 #include <thread>
 
 namespace lx::mifpix {
@@ -178,9 +180,31 @@ void ParallelRows(int count, int64_t workPerRow, const std::function<void(int, i
         fn(half, count);
         return;
     }
-    std::thread helper(fn, half, count);
-    fn(0, half);
+    // An exception in the helper (memory running out) is handed to the caller after the join,
+    // as it would be without threads.
+    std::exception_ptr failure;
+    std::thread helper;
+    try {
+        helper = std::thread([&] {
+            try {
+                fn(half, count);
+            } catch (...) {
+                failure = std::current_exception();
+            }
+        });
+    } catch (const std::system_error&) {
+        fn(0, half);  // no thread to be had: both halves here
+        fn(half, count);
+        return;
+    }
+    try {
+        fn(0, half);
+    } catch (...) {
+        helper.join();
+        throw;
+    }
     helper.join();
+    if (failure) std::rethrow_exception(failure);
 }
 
 }  // namespace lx::mifpix

@@ -23,7 +23,8 @@
 //
 // Colours passed in as uint32_t are 0x00BBGGRR, the layout of COLORREF.
 //
-// Long operations split rows over the machine's cores (at most two threads).
+// Long operations split rows over the machine's cores (at most two threads). Running out of
+// memory throws std::bad_alloc, as the standard library does; the picture is then unchanged.
 #pragma once
 
 #include <cstdint>
