@@ -155,7 +155,8 @@ public:
 
     // Reduces to at most `count` colours (2 to 256) with a quantize method (0 to 3). Without a
     // palette, the palette is chosen for the image by median cut (or is the image's own colours
-    // when it has no more than `count`); with one, its first `count` entries are used.
+    // when it has no more than `count`); with one, its first `count` entries are used. Alpha
+    // is dropped.
     bool quantize(int count, int method, const MifLogPalette* palette);
     // Number of distinct colours in the pixels (alpha ignored); 0 for an empty image.
     int countcolors() const;
@@ -179,8 +180,10 @@ public:
     bool blt(int x, int y, int width, int height, const mif* source, int srcX, int srcY);
 
     // Lays `layer` over this image with its top-left at (x, y), clipped, using a blend code
-    // (MifBlend) and an opacity `alpha` 0..255; a 32-bit layer's own alpha multiplies in. The
-    // image becomes 24 bits (32 stays 32, alpha unchanged). False for unknown codes.
+    // (MifBlend) and an opacity `alpha` 0..255. The fourth byte of a 32-bit BI_RGB layer is its
+    // alpha (as settoalpha leaves it) and multiplies in, so a layer whose fourth bytes are all
+    // zero lays nothing: convert such a layer to 24 bits first. The image becomes 24 bits
+    // (32 stays 32, its alpha unchanged). False for unknown codes.
     bool addlayer(const mif* layer, int x, int y, int mode, int alpha);
     // Makes the image a 32-bit alpha source: the colours stay, each pixel's alpha becomes its
     // grey level (0.299 R + 0.587 G + 0.114 B).
