@@ -29,10 +29,15 @@ RenameProgressTexts LoadRenameProgressTexts() {
     return {LoadResString(kMsgRenameTitle), LoadResString(kMsgRenameLine)};
 }
 
+RenameRunResult RunRenameToExifDate(const RenameChoices& choices, const std::vector<std::wstring>& files,
+                                    ToolSink& sink) {
+    return RunRenameToExifDate(choices, files, sink, WindowsRenameServices(), LoadRenameProgressTexts());
+}
+
 int RunRenameUnattended(const std::vector<std::wstring>& args, ToolSink& sink, std::wstring& error) {
     const std::optional<RenameArguments> parsed = ParseRenameArguments(args, error);
     if (!parsed) return 2;
-    RunRenameToExifDate(parsed->choices, parsed->files, sink, WindowsRenameServices(), LoadRenameProgressTexts());
+    RunRenameToExifDate(parsed->choices, parsed->files, sink);
     return 0;
 }
 

@@ -15,6 +15,11 @@ namespace lx {
 RenameServices WindowsRenameServices();
 RenameProgressTexts LoadRenameProgressTexts();
 
+// The rename run on Windows files, without a dialog: `choices` over `files`, the question
+// and the progress going to `sink`.
+RenameRunResult RunRenameToExifDate(const RenameChoices& choices, const std::vector<std::wstring>& files,
+                                    ToolSink& sink);
+
 // Parses `args` (see RenameArguments.h) and runs the rename over the files with `sink`
 // answering the question and receiving one report line per renamed file. Returns 0 when
 // the run went through (including "no file has a shooting time", which the sink receives
