@@ -187,4 +187,12 @@ bool PackedDib::hasGreyPalette() const {
     return !pal.empty() && std::all_of(pal.begin(), pal.end(), [](Rgbq q) { return q.r == q.g && q.g == q.b; });
 }
 
+bool PackedDib::hasGreyRamp() const {
+    if (header_.bitCount != 8 || paletteSize() != 256) return false;
+    const auto pal = palette();
+    for (int i = 0; i < 256; ++i)
+        if (pal[i].r != i || pal[i].g != i || pal[i].b != i) return false;
+    return true;
+}
+
 }  // namespace lx

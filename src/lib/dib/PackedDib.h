@@ -95,6 +95,9 @@ public:
     uint32_t pixel(int x, int y) const;
     // Grey palette test: every entry has r == g == b.
     bool hasGreyPalette() const;
+    // Grey ramp test: 8 bits with 256 entries, entry i = (i, i, i), so that every pixel value
+    // is its own grey level.
+    bool hasGreyRamp() const;
 
 private:
     void writeHeader();

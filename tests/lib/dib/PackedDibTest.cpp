@@ -13,6 +13,11 @@ TEST(PackedDib, CreateLaysOutHeaderPaletteAndPaddedRows) {
     EXPECT_EQ(lx::ReadLe32(dib.bytes().data() + 8), 2u);
     EXPECT_EQ(dib.palette()[255], (lx::Rgbq{255, 255, 255, 0}));
     EXPECT_TRUE(dib.hasGreyPalette());
+    EXPECT_TRUE(dib.hasGreyRamp());
+    dib.palette()[7] = lx::Rgbq{8, 8, 8, 0};  // still grey, but no longer level 7
+    EXPECT_TRUE(dib.hasGreyPalette());
+    EXPECT_FALSE(dib.hasGreyRamp());
+    EXPECT_FALSE(PackedDib::Create(3, 2, 4).hasGreyRamp());
     // Row 0 is the top of the picture, stored last.
     dib.row(0)[0] = 7;
     EXPECT_EQ(dib.bytes()[40 + 1024 + 4], 7);
