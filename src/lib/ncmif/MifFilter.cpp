@@ -12,7 +12,7 @@ using namespace mifpix;
 
 bool mif::grayscale() {
     if (empty()) return false;
-    if (HasGreyRamp(dib_)) return true;
+    if (dib_.hasGreyRamp()) return true;
     PackedDib out = PackedDib::Create(width(), height(), 8);
     if (out.empty()) return false;
     const PackedDib& src = dib_;

@@ -52,17 +52,9 @@ PackedDib MakeWithPalette(int width, int height, int bits, std::span<const Rgbq>
                      {reinterpret_cast<const uint8_t*>(entries.data()), entries.size()}, width, height);
 }
 
-bool HasGreyRamp(const PackedDib& dib) {
-    if (dib.bitCount() != 8 || dib.paletteSize() != 256) return false;
-    const auto pal = dib.palette();
-    for (int i = 0; i < 256; ++i)
-        if (pal[i].r != i || pal[i].g != i || pal[i].b != i) return false;
-    return true;
-}
-
 bool IsDirect(const PackedDib& dib) {
     if (dib.compression() != kBiRgb) return false;
-    return dib.bitCount() == 24 || dib.bitCount() == 32 || HasGreyRamp(dib);
+    return dib.bitCount() == 24 || dib.bitCount() == 32 || dib.hasGreyRamp();
 }
 
 PackedDib ConvertDirect(const PackedDib& dib, int bits) {

@@ -59,7 +59,6 @@ PackedDib MakeWithPalette(int width, int height, int bits, std::span<const Rgbq>
 
 // True for the forms the filters work on: 24 or 32-bit BI_RGB, or 8-bit with the grey ramp.
 bool IsDirect(const PackedDib& dib);
-bool HasGreyRamp(const PackedDib& dib);
 // Converts the image in place to a direct form, or to 24/32-bit BI_RGB; false (image
 // unchanged) when memory runs out.
 bool EnsureDirect(PackedDib& dib);

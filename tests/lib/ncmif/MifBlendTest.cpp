@@ -205,7 +205,9 @@ TEST(MifSolidFill, EveryFormatTakesTheNearestColourItCanHold) {
         ASSERT_TRUE(image.solidfill(nullptr, 0x00000000, 255, 0)) << f.name();
         EXPECT_EQ(image.depth(), f.bits);
         EXPECT_EQ(image.countcolors(), 1);
-        if (f.bits > 8) EXPECT_EQ(image.dib().pixel(4, 2) & 0xffffff, 0u) << f.name();
+        if (f.bits > 8) {
+            EXPECT_EQ(image.dib().pixel(4, 2) & 0xffffff, 0u) << f.name();
+        }
         EXPECT_TRUE(WellFormed(image.dib()));
     }
 }
