@@ -18,6 +18,7 @@
 #include <set>
 #include <thread>
 
+#include "../FakeRenameWorld.h"
 #include "ExifDateDlgIds.h"
 #include "ModuleResources.h"
 #include "RenameChoices.h"
@@ -91,13 +92,9 @@ std::wstring ColumnTitle(HWND list, int column) {
 }
 
 SYSTEMTIME DateTime(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
-    SYSTEMTIME st{};
-    st.wYear = static_cast<WORD>(year);
-    st.wMonth = static_cast<WORD>(month);
-    st.wDay = static_cast<WORD>(day);
-    st.wHour = static_cast<WORD>(hour);
-    st.wMinute = static_cast<WORD>(minute);
-    st.wSecond = static_cast<WORD>(second);
+    const lx::ShootingTime time = lxtest::ShotAt(year, month, day, hour, minute, second);
+    SYSTEMTIME st;
+    std::memcpy(&st, &time, sizeof st);
     return st;
 }
 
@@ -422,38 +419,22 @@ TEST_F(ExifDateDlgTest, LockedFileAndTakenNameLoseNothing) {
     EXPECT_TRUE(names.count(L"20240507.jpg") || names.count(L"20240507(1).jpg"));
 }
 
-class AnsweringSink : public lx::ToolSink {
-public:
-    void StartProgress(const std::wstring&, const std::wstring& firstLine) override { progressLine = firstLine; }
-    void SetLine(int, const std::wstring&, bool) override {}
-    void SetProgress(uint64_t, uint64_t) override {}
-    bool Cancelled() override { return false; }
-    void EndProgress() override {}
-    int Message(unsigned textId, const std::wstring&, unsigned) override {
-        messages.push_back(textId);
-        return IDYES;
-    }
-    void Report(const std::wstring& line) override { reports.push_back(line); }
-    std::wstring progressLine;
-    std::vector<unsigned> messages;
-    std::vector<std::wstring> reports;
-};
-
 TEST_F(ExifDateDlgTest, UnattendedRunRenamesReportsAndLeavesTheSettingAlone) {
     settings.WriteNumber(kExif, kRename, 0x01020304);
     const std::wstring a = Photo("may07-a.jpg", "a.jpg");
     const std::wstring plain = Photo("plain.jpg", "plain.jpg");
-    AnsweringSink sink;
+    lxtest::RecordingSink sink;
     std::wstring error;
     EXPECT_EQ(lx::RunRenameUnattended({L"--items", L"2,6,0", L"--reset", L"1", a, plain}, sink, error), 0);
     EXPECT_EQ(error, L"");
     EXPECT_EQ(sink.messages, std::vector<unsigned>{4111});
-    EXPECT_EQ(sink.progressLine, L"撮影日時に変換しています...");
+    EXPECT_EQ(sink.title, L"Exif変換");
+    EXPECT_EQ(sink.line, L"撮影日時に変換しています...");
     EXPECT_EQ(sink.reports, std::vector<std::wstring>{a + L" -> " + (dir / "240507_102030.jpg").wstring()});
     EXPECT_EQ(Names(), (std::set<std::wstring>{L"240507_102030.jpg", L"plain.jpg"}));
     EXPECT_EQ(settings.ReadNumber(kExif, kRename, 0), 0x01020304u);
 
-    AnsweringSink none;
+    lxtest::RecordingSink none;
     EXPECT_EQ(lx::RunRenameUnattended({L"--items", L"1,0,0", plain}, none, error), 0);
     EXPECT_EQ(none.messages, std::vector<unsigned>{4108});
     EXPECT_EQ(lx::RunRenameUnattended({L"--items", L"1,0", plain}, none, error), 2);
