@@ -7,6 +7,7 @@
 
 #include <string>
 
+#include "ActivationScope.h"
 #include "CommandLine.h"
 #include "DropList.h"
 #include "FrameRunner.h"
@@ -42,6 +43,7 @@ bool DropIsWellFormed(HGLOBAL drop) {
 // off its block counts as no list: the shell's readers would walk past it.
 template <typename Worker>
 int RunBatchTool(const wchar_t* keyName, Worker worker) {
+    lx::ActivationScope controls;
     lx::ScopedToolRequest scoped;
     if (lx::ReadToolRequest(scoped.request, keyName) && scoped.request.drop && DropIsWellFormed(scoped.request.drop))
         worker(scoped.request);
@@ -101,14 +103,17 @@ LX_EXPORT int WINAPI RunJpeg2PdfW(HWND owner, HINSTANCE, LPWSTR commandLine, int
 }
 
 LX_EXPORT int WINAPI pxfRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
+    lx::ActivationScope controls;
     return lx::RunFrameTool(commandLine ? commandLine : L"", showCmd, lx::FrameMode::Editor);
 }
 
 LX_EXPORT int WINAPI imgRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
+    lx::ActivationScope controls;
     return lx::RunFrameTool(lx::ViewerPathFromCommandLine(commandLine), showCmd, lx::FrameMode::Viewer);
 }
 
 LX_EXPORT int WINAPI slideRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
+    lx::ActivationScope controls;
     return lx::RunSlideShowTool(lx::UnquotedPath(commandLine), showCmd);
 }
 
