@@ -3,6 +3,7 @@
 #include "ImageSaveConvert.h"
 #include "mif.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace lx {

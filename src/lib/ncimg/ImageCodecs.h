@@ -5,14 +5,14 @@
 //   What a file is          ProbeImageType(path), ProbeImageBytes(head, tail, name)
 //   Reading                 LoadImageFile(path), LoadImageBytes(bytes, name),
 //                           LoadBmpFromMemory(block), LoadJpegFromMemory(block)
-//   Writing (non-zero = ok) SaveBmpFile, SaveGifFile, SaveTgaFile, SaveSunFile, SavePcxFile,
+//   Writing (non-zero = ok) SaveJpegFile, SaveBmpFile, SaveGifFile, SaveTgaFile, SaveSunFile, SavePcxFile,
 //                           SaveTiffFile, SavePngFile, SavePnmFile, SaveSgiFile,
 //                           SaveImageByType; SaveFlashPixFile and SaveJpeg2000File write
 //                           nothing and return 0
 //   Changing depth          ConvertDepth(dib, 24), CreateBlankImage(width, height, colour)
 //   Upright photographs     ReadExifOrientation(bytes), OrientUpright(dib, orientation)
 //
-// JPEG encoding itself lives in JpegWriter.h.
+// JPEG encoding itself (EncodeJpeg and its JpegSaveRecord) lives in JpegWriter.h.
 #pragma once
 
 #include "ImageLoad.h"

@@ -48,8 +48,9 @@ int ProbeTiffFamily(std::span<const uint8_t> head, const std::filesystem::path& 
 std::string LowerExtension(const std::filesystem::path& name) {
     // Works on the native characters: converting a wide name to narrow text could fail
     // for characters outside the system code page, and extensions we know are ASCII.
+    const std::filesystem::path extension = name.extension();
     std::string ext;
-    for (auto c : name.extension().native()) {
+    for (auto c : extension.native()) {
         if (c == 0 || static_cast<uint32_t>(c) >= 128) return {};
         ext += static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
     }

@@ -3,6 +3,7 @@
 #include "AtomicFile.h"
 #include "BmpWriter.h"
 #include "GifWriter.h"
+#include "JpegWriter.h"
 #include "PcxWriter.h"
 #include "PngWriter.h"
 #include "PnmWriter.h"
@@ -32,12 +33,17 @@ int SavePngFile(const std::filesystem::path& path, const PackedDib& dib) { retur
 int SavePnmFile(const std::filesystem::path& path, const PackedDib& dib) { return WriteEncoded(path, EncodePnm(dib)); }
 int SaveSgiFile(const std::filesystem::path& path, const PackedDib& dib, int) { return WriteEncoded(path, EncodeSgi(dib)); }
 
+int SaveJpegFile(const std::filesystem::path& path, const PackedDib& dib, const JpegSaveRecord& record) {
+    return WriteEncoded(path, EncodeJpeg(dib, record));
+}
+
 int SaveFlashPixFile(const std::filesystem::path&, const PackedDib&, int, int) { return 0; }
 int SaveJpeg2000File(const std::filesystem::path&, const PackedDib&, int) { return 0; }
 
 int SaveImageByType(const std::filesystem::path& path, const PackedDib& dib, int type) {
     switch (type) {
     case 1: return SaveBmpFile(path, dib);
+    case 2: return SaveJpegFile(path, dib, JpegSaveRecord{});
     case 3: return SaveGifFile(path, dib);
     case 4: return SaveTiffFile(path, dib);
     case 5: return SaveTgaFile(path, dib);

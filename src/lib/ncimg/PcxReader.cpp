@@ -51,11 +51,14 @@ std::optional<PackedDib> ReadPcx(std::span<const uint8_t> file) {
     if (outBits == 1 || outBits == 4) {
         HeaderPalette(file, dib, outBits == 1 ? 2 : 16);
     } else if (outBits == 8) {
-        // The 256-colour table follows a 0x0c marker at the very end; without it, grey.
+        // The 256-colour table follows a 0x0c marker at the very end. Version 5 files must
+        // have it (a file without it was cut short); older ones are grey without it.
         if (file.size() >= kHeaderSize + 769 && file[file.size() - 769] == 0x0c) {
             const uint8_t* p = file.data() + file.size() - 768;
             auto pal = dib.palette();
             for (int i = 0; i < 256; ++i) pal[i] = Rgbq{p[i * 3 + 2], p[i * 3 + 1], p[i * 3], 0};
+        } else if (file[1] >= 5) {
+            return std::nullopt;
         }
     }
 

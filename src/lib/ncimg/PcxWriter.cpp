@@ -2,6 +2,7 @@
 
 #include "ImageSaveConvert.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace lx {
@@ -25,7 +26,11 @@ void EncodeLine(const uint8_t* line, size_t size, std::vector<uint8_t>& out) {
 
 std::vector<uint8_t> EncodePcx(const PackedDib& source) {
     PackedDib dib = WritableForm(source);
-    if (dib.bitCount() == 4) dib = WidenToIndex8(dib);
+    // Readers take one-bit files as black and white whatever the header's palette says,
+    // so other two-colour images are stored with the 256-colour table instead.
+    const bool blackAndWhite = dib.bitCount() == 1 && dib.palette()[0] == Rgbq{0, 0, 0, 0} &&
+                               dib.palette()[1] == Rgbq{255, 255, 255, 0};
+    if (dib.bitCount() == 4 || (dib.bitCount() == 1 && !blackAndWhite)) dib = WidenToIndex8(dib);
     if (dib.bitCount() == 32) dib = ConvertDepth(dib, 24).value_or(PackedDib());
     if (dib.empty() || dib.width() > 65535 || dib.height() > 65535) return {};
     const int w = dib.width(), h = dib.height(), bits = dib.bitCount();
@@ -41,12 +46,7 @@ std::vector<uint8_t> EncodePcx(const PackedDib& source) {
     WriteLe16(&out[10], static_cast<uint16_t>(h - 1));
     WriteLe16(&out[12], 72);
     WriteLe16(&out[14], 72);
-    if (bits == 1) {
-        for (int i = 0; i < 2; ++i) {
-            const Rgbq q = dib.palette()[i];
-            out[16 + i * 3] = q.r, out[17 + i * 3] = q.g, out[18 + i * 3] = q.b;
-        }
-    }
+    if (bits == 1) std::fill(out.begin() + 19, out.begin() + 22, 255);  // entry 1 white
     out[65] = static_cast<uint8_t>(planes);
     WriteLe16(&out[66], static_cast<uint16_t>(bytesPerLine));
     WriteLe16(&out[68], bits == 8 && dib.hasGreyPalette() ? 2 : 1);

@@ -2,6 +2,7 @@
 
 #include "ImageLoadSupport.h"
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 

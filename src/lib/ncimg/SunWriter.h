@@ -1,5 +1,6 @@
-// Encodes an image as an uncompressed standard Sun raster file: 1-bit and 8-bit palette
-// images with their colour map, everything else as 24-bit BGR (alpha is dropped).
+// Encodes an image as an uncompressed standard Sun raster file: black-and-white images at
+// 1 bit (set bits black), other palette images at 8 bits with their colour map, everything
+// else as 24-bit BGR (alpha is dropped).
 #pragma once
 
 #include "PackedDib.h"

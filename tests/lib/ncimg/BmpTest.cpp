@@ -6,45 +6,31 @@
 
 using lx::PackedDib;
 using lx::ReadBmp;
+using lxtest::kRose;
 
 namespace {
 
-const std::string kRose = "rose: -crop 37x23+5+7 +repage";
 
-struct MagickBmp {
-    const char* name;
-    std::string arguments;  // given to convert before the output name
-    int bitCount;           // what the reader must give
-    int tolerance = 0;      // 5- and 6-bit channels round either way when widened
-};
-
-class BmpReadsMagickFiles : public ::testing::TestWithParam<MagickBmp> {};
+class BmpReadsMagickFiles : public ::testing::TestWithParam<lxtest::MagickCase> {};
 
 TEST_P(BmpReadsMagickFiles, PixelsMatchTheOracleAndCutFilesFail) {
     LX_REQUIRE_MAGICK();
-    const MagickBmp& c = GetParam();
-    lxtest::ScratchDir dir(std::string("bmp-") + c.name);
-    const auto file = dir / "in.bmp";
-    ASSERT_TRUE(lxtest::MagickMake(c.arguments, file));
-    const auto bytes = lxtest::ReadFile(file);
-    const auto dib = ReadBmp(bytes);
-    ASSERT_TRUE(dib);
-    EXPECT_EQ(dib->bitCount(), c.bitCount);
-    EXPECT_TRUE(lxtest::SamePixels(*dib, lxtest::MagickRead(file), c.tolerance));
-    EXPECT_TRUE(lxtest::FailsWhenTruncated(ReadBmp, bytes));
+    lxtest::CheckReadsMagickFile(ReadBmp, GetParam());
 }
 
+using lxtest::MagickCase;
 INSTANTIATE_TEST_SUITE_P(
     Depths, BmpReadsMagickFiles,
-    ::testing::Values(MagickBmp{"rgb24", kRose + " -type TrueColor BMP3:", 24},
-                      MagickBmp{"pal8", kRose + " -colors 200 -type Palette BMP3:", 8},
-                      MagickBmp{"pal4", kRose + " -colors 12 -type Palette BMP3:", 4},
-                      MagickBmp{"mono", kRose + " -monochrome BMP3:", 1},
-                      MagickBmp{"rle8", kRose + " -colors 200 -type Palette -compress RLE BMP3:", 8},
-                      MagickBmp{"rgb565", kRose + " -define bmp:subtype=RGB565 BMP:", 24, 4},
-                      MagickBmp{"argb32", kRose + " -alpha set -channel A -fx 'i/w' +channel BMP:", 32},
-                      MagickBmp{"v5rgb24", kRose + " -type TrueColor BMP:", 24}),
-    [](const auto& info) { return std::string(info.param.name); });
+    ::testing::Values(MagickCase{"rgb24", kRose + " -type TrueColor BMP3:", 24},
+                      MagickCase{"pal8", kRose + " -colors 200 -type Palette BMP3:", 8},
+                      MagickCase{"pal4", kRose + " -colors 12 -type Palette BMP3:", 4},
+                      MagickCase{"mono", kRose + " -monochrome BMP3:", 1},
+                      MagickCase{"rle8", kRose + " -colors 200 -type Palette -compress RLE BMP3:", 8},
+                      // 5- and 6-bit channels round either way when widened.
+                      MagickCase{"rgb565", kRose + " -define bmp:subtype=RGB565 BMP:", 24, 4},
+                      MagickCase{"argb32", kRose + " -alpha set -channel A -fx 'i/w' +channel BMP:", 32},
+                      MagickCase{"v5rgb24", kRose + " -type TrueColor BMP:", 24}),
+    lxtest::CaseName);
 
 TEST(BmpReader, ReadsTopDownRowsAndRle4) {
     // A 3x2 RLE4 picture built by hand: row 0 (bottom) is a run of 3 pixels of colours 1,2
@@ -97,12 +83,9 @@ TEST_P(BmpWriterOracle, MagickReadsWhatWeWrote) {
     LX_REQUIRE_MAGICK();
     const int bits = GetParam();
     const PackedDib dib = bits == 24 ? lxtest::SyntheticRgb() : lxtest::SyntheticPalette(bits);
-    lxtest::ScratchDir dir("bmp-write");
-    const auto file = dir / "out.bmp";
-    lxtest::WriteFile(file, lx::EncodeBmp(dib));
-    EXPECT_TRUE(lxtest::SamePixels(dib, lxtest::MagickRead(file)));
+    lxtest::CheckMagickReadsWhatWeWrote(lx::EncodeBmp, dib, "out.bmp");
     // And our own reader gives back the very same DIB.
-    const auto back = ReadBmp(lxtest::ReadFile(file));
+    const auto back = ReadBmp(lx::EncodeBmp(dib));
     ASSERT_TRUE(back);
     EXPECT_EQ(back->bytes(), dib.bytes());
 }
