@@ -1,4 +1,4 @@
-#!/bin/sh
+#!/usr/bin/env bash
 # Batch conversion speed: 100 photographs of 4000 x 3000 to JPEG quality 85 at long side
 # 1600, against ImageMagick's mogrify and libvips' vipsthumbnail, in the same run.
 #   - JPEG inputs through lxhost convert --unattended under Wine (the tool as the host runs it);
@@ -71,7 +71,7 @@ line() { # name input seconds count reference_seconds
     fi
 }
 
-. "$root/scripts/wine-env.sh"
+source "$root/scripts/wine-env.sh"
 winpath() { echo "Z:$1" | tr / '\\'; }
 lxhost_run() {
     set --
