@@ -1,9 +1,14 @@
 // pdf_bench OUTPUT JPEG...: packs the JPEG files into OUTPUT the way the tool does (every file
-// read twice: once for its frame header, once to copy it), with no progress display.
+// read twice: once for its frame header, once to copy it), with no progress display. The
+// Windows build goes through the worker's run: the content probe and the output file created
+// with CreateFileW.
 #include <cstdio>
 #include <vector>
 
 #include "JpegPdfJob.h"
+#ifdef _WIN32
+#include "Jpeg2PdfTool.h"
+#endif
 
 namespace {
 
@@ -22,15 +27,24 @@ public:
 
 }  // namespace
 
+#ifdef _WIN32
+int wmain(int argc, wchar_t** argv) {
+#else
 int main(int argc, char** argv) {
+#endif
     if (argc < 3) {
         std::fprintf(stderr, "usage: pdf_bench OUTPUT JPEG...\n");
         return 2;
     }
+    SilentSink sink;
+#ifdef _WIN32
+    const std::vector<std::wstring> files(argv + 2, argv + argc);
+    const auto result = lx::RunJpeg2PdfFiles(argv[1], files, sink);
+#else
     lx::JpegPdfJob job;
     job.output = argv[1];
-    std::vector<std::filesystem::path> files(argv + 2, argv + argc);
-    SilentSink sink;
+    const std::vector<std::filesystem::path> files(argv + 2, argv + argc);
     const auto result = lx::RunJpegPdfJob(job, files, sink);
+#endif
     return result == lx::JpegPdfResult::kWritten ? 0 : 1;
 }

@@ -3,11 +3,15 @@
 # release build) against Debian's img2pdf, and against a plain `cat` of the same bytes (the
 # floor: every byte of every file read once and written once). One run measures all three
 # with hyperfine; the table gives mean times and the ratios ours/img2pdf and ours/cat.
-#   bench/pdf/run.sh [files] [runs]
+# With "wine" as third argument the Windows build of the same program (the worker's run:
+# content probe, output through CreateFileW) is measured too under Wine, next to Wine
+# starting the program and leaving at once (the start-up cost included in its time).
+#   bench/pdf/run.sh [files] [runs] [wine]
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
 count=${1:-100}
 runs=${2:-5}
+wine=${3:-}
 work=$root/build/bench-pdf
 mkdir -p "$work/in"
 cd "$root"
@@ -34,20 +38,31 @@ fi
 files=$(ls "$work"/in/p*.jpg | head -n "$count" | tr '\n' ' ')
 bytes=$(cat $files | wc -c)
 
-hyperfine --style none --warmup 1 --runs "$runs" --export-json "$work/times.json" \
-    -n ours "$bench $work/ours.pdf $files" \
+set -- -n ours "$bench $work/ours.pdf $files" \
     -n img2pdf "img2pdf -o $work/img2pdf.pdf $files" \
-    -n cat "cat $files > $work/cat.bin" >/dev/null
+    -n cat "cat $files > $work/cat.bin"
+if [ "$wine" = wine ]; then
+    cmake --preset windows >/dev/null
+    cmake --build build/windows --target pdf_bench -j2 >/dev/null
+    exe=$root/build/windows/bench/pdf/pdf_bench.exe
+    # The output and the inputs as Windows paths, single-quoted for hyperfine's shell.
+    winfiles=$(for f in "$work/wine.pdf" $files; do printf "'Z:%s' " "$f" | tr / '\\'; done)
+    set -- "$@" -n wine "$root/scripts/wine-run.sh $exe $winfiles" \
+        -n wine-start "$root/scripts/wine-run.sh $exe"
+fi
+hyperfine --style none -i --warmup 1 --runs "$runs" --export-json "$work/times.json" "$@" >/dev/null
 
 qpdf --check "$work/ours.pdf" >/dev/null
+if [ "$wine" = wine ]; then cmp "$work/ours.pdf" "$work/wine.pdf"; fi
 
 python3 - "$work/times.json" "$count" "$bytes" <<'PY'
 import json, sys
 r = {x["command"]: x for x in json.load(open(sys.argv[1]))["results"]}
-ours, img, cat = (r[n]["mean"] for n in ("ours", "img2pdf", "cat"))
 print(f"{sys.argv[2]} JPEG files of 4000x3000, {int(sys.argv[3]) / 1e6:.1f} MB in total")
-print(f"{'tool':10} {'mean s':>9} {'stddev s':>9} {'ours/tool':>10}")
-for name in ("ours", "img2pdf", "cat"):
-    print(f"{name:10} {r[name]['mean']:9.3f} {r[name]['stddev']:9.3f} {ours / r[name]['mean']:10.2f}")
+print(f"{'tool':10} {'mean s':>9} {'stddev s':>9} {'ours/tool':>10} {'wine/tool':>10}")
+for name in r:
+    ours = r["ours"]["mean"] / r[name]["mean"]
+    wine = f"{r['wine']['mean'] / r[name]['mean']:10.2f}" if "wine" in r else ""
+    print(f"{name:10} {r[name]['mean']:9.3f} {r[name]['stddev']:9.3f} {ours:10.2f} {wine}")
 PY
-echo "reproduce: bench/pdf/run.sh $count $runs"
+echo "reproduce: bench/pdf/run.sh $count $runs $wine"
