@@ -1,7 +1,8 @@
 // Window and dialog base classes with message maps.
 //
-// A window class derives from MappedWindow<Self> and lists its messages in a static table
-// `kMessages` of {message, &Self::OnSomething}; each handler is one small member taking
+// A window class derives from MappedWindow<Self> and lists its messages in a table of
+// {message, &Self::OnSomething} that its static member `Messages()` returns (defined beside the
+// handlers, so the header need not show the table); each handler is one small member taking
 // wParam and lParam. Messages not in the table go to DefWindowProcW.
 //
 // Ownership: a window created through Window::Create belongs to the caller's object, which
@@ -63,14 +64,14 @@ template <class T>
 class MappedWindow : public Window {
 protected:
     LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
-        for (const MessageEntry<T>& entry : T::kMessages)
+        for (const MessageEntry<T>& entry : T::Messages())
             if (entry.message == message) return (static_cast<T*>(this)->*entry.handler)(wParam, lParam);
         return Default(message, wParam, lParam);
     }
 };
 
-// A modal dialog from a template resource with the same kind of message map; handlers return
-// what DialogProc returns (TRUE: handled).
+// A modal dialog from a template resource with the same kind of message map (`Messages()`
+// returning DialogEntry rows); handlers return what DialogProc returns (TRUE: handled).
 class Dialog {
 public:
     Dialog() = default;
@@ -100,7 +101,7 @@ template <class T>
 class MappedDialog : public Dialog {
 protected:
     INT_PTR HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
-        for (const DialogEntry<T>& entry : T::kMessages)
+        for (const DialogEntry<T>& entry : T::Messages())
             if (entry.message == message) return (static_cast<T*>(this)->*entry.handler)(wParam, lParam);
         return FALSE;
     }

@@ -23,7 +23,7 @@ enum class Drag { None, Select, Hand };
 
 class ZoomView : public MappedWindow<ZoomView> {
 public:
-    static const MessageEntry<ZoomView> kMessages[];
+    static std::span<const MessageEntry<ZoomView>> Messages();
 
     ~ZoomView() override {
         if (image_) GlobalFree(image_);
@@ -468,36 +468,39 @@ private:
     LRESULT OnGetDlgCode(WPARAM, LPARAM) { return DLGC_WANTARROWS; }
 };
 
-const MessageEntry<ZoomView> ZoomView::kMessages[] = {
-    {kZvSetImage, &ZoomView::OnSetImage},
-    {kZvReplaceImage, &ZoomView::OnReplaceImage},
-    {kZvGetImage, &ZoomView::OnGetImage},
-    {kZvGetZoom, &ZoomView::OnGetZoom},
-    {kZvZoomCommand, &ZoomView::OnZoomCommand},
-    {kZvSetZoom, &ZoomView::OnSetZoom},
-    {kZvCanZoom, &ZoomView::OnCanZoom},
-    {kZvSetOptions, &ZoomView::OnSetOptions},
-    {kZvGetOptions, &ZoomView::OnGetOptions},
-    {kZvSetBackground, &ZoomView::OnSetBackground},
-    {kZvSetSelection, &ZoomView::OnSetSelection},
-    {kZvGetSelection, &ZoomView::OnGetSelection},
-    {kZvApplySettings, &ZoomView::OnApplySettings},
-    {kZvReadSettings, &ZoomView::OnReadSettings},
-    {kZvInitialize, &ZoomView::OnInitialize},
-    {WM_SIZE, &ZoomView::OnSize},
-    {WM_HSCROLL, &ZoomView::OnHScroll},
-    {WM_VSCROLL, &ZoomView::OnVScroll},
-    {WM_LBUTTONDOWN, &ZoomView::OnLButtonDown},
-    {WM_MOUSEMOVE, &ZoomView::OnMouseMove},
-    {WM_LBUTTONUP, &ZoomView::OnLButtonUp},
-    {WM_CAPTURECHANGED, &ZoomView::OnCaptureChanged},
-    {WM_MOUSEWHEEL, &ZoomView::OnMouseWheel},
-    {WM_SETCURSOR, &ZoomView::OnSetCursor},
-    {WM_PAINT, &ZoomView::OnPaint},
-    {WM_PRINTCLIENT, &ZoomView::OnPrintClient},
-    {WM_ERASEBKGND, &ZoomView::OnEraseBackground},
-    {WM_GETDLGCODE, &ZoomView::OnGetDlgCode},
-};
+std::span<const MessageEntry<ZoomView>> ZoomView::Messages() {
+    static const MessageEntry<ZoomView> table[] = {
+        {kZvSetImage, &ZoomView::OnSetImage},
+        {kZvReplaceImage, &ZoomView::OnReplaceImage},
+        {kZvGetImage, &ZoomView::OnGetImage},
+        {kZvGetZoom, &ZoomView::OnGetZoom},
+        {kZvZoomCommand, &ZoomView::OnZoomCommand},
+        {kZvSetZoom, &ZoomView::OnSetZoom},
+        {kZvCanZoom, &ZoomView::OnCanZoom},
+        {kZvSetOptions, &ZoomView::OnSetOptions},
+        {kZvGetOptions, &ZoomView::OnGetOptions},
+        {kZvSetBackground, &ZoomView::OnSetBackground},
+        {kZvSetSelection, &ZoomView::OnSetSelection},
+        {kZvGetSelection, &ZoomView::OnGetSelection},
+        {kZvApplySettings, &ZoomView::OnApplySettings},
+        {kZvReadSettings, &ZoomView::OnReadSettings},
+        {kZvInitialize, &ZoomView::OnInitialize},
+        {WM_SIZE, &ZoomView::OnSize},
+        {WM_HSCROLL, &ZoomView::OnHScroll},
+        {WM_VSCROLL, &ZoomView::OnVScroll},
+        {WM_LBUTTONDOWN, &ZoomView::OnLButtonDown},
+        {WM_MOUSEMOVE, &ZoomView::OnMouseMove},
+        {WM_LBUTTONUP, &ZoomView::OnLButtonUp},
+        {WM_CAPTURECHANGED, &ZoomView::OnCaptureChanged},
+        {WM_MOUSEWHEEL, &ZoomView::OnMouseWheel},
+        {WM_SETCURSOR, &ZoomView::OnSetCursor},
+        {WM_PAINT, &ZoomView::OnPaint},
+        {WM_PRINTCLIENT, &ZoomView::OnPrintClient},
+        {WM_ERASEBKGND, &ZoomView::OnEraseBackground},
+        {WM_GETDLGCODE, &ZoomView::OnGetDlgCode},
+        };
+    return table;
+}
 
 }  // namespace
 
