@@ -7,23 +7,23 @@
 
 namespace lx {
 
-// HBITMAP, HBRUSH, HPEN, HFONT, HRGN, HPALETTE: freed with DeleteObject.
-template <class Handle>
-class GdiObject {
+// One owned handle, freed by `Free` (DeleteObject for GDI objects, ImageList_Destroy ...).
+template <class Handle, auto Free>
+class OwnedHandle {
 public:
-    GdiObject() = default;
-    explicit GdiObject(Handle handle) : handle_(handle) {}
-    GdiObject(GdiObject&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
-    GdiObject& operator=(GdiObject&& other) noexcept {
+    OwnedHandle() = default;
+    explicit OwnedHandle(Handle handle) : handle_(handle) {}
+    OwnedHandle(OwnedHandle&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+    OwnedHandle& operator=(OwnedHandle&& other) noexcept {
         if (this != &other) reset(std::exchange(other.handle_, nullptr));
         return *this;
     }
-    ~GdiObject() { reset(); }
+    ~OwnedHandle() { reset(); }
 
     Handle get() const { return handle_; }
     explicit operator bool() const { return handle_ != nullptr; }
     void reset(Handle handle = nullptr) {
-        if (handle_) DeleteObject(handle_);
+        if (handle_) Free(handle_);
         handle_ = handle;
     }
     Handle release() { return std::exchange(handle_, nullptr); }
@@ -31,6 +31,11 @@ public:
 private:
     Handle handle_ = nullptr;
 };
+
+// HBITMAP, HBRUSH, HPEN, HFONT, HPALETTE: freed with DeleteObject.
+inline void DeleteGdiObject(HGDIOBJ object) { DeleteObject(object); }
+template <class Handle>
+using GdiObject = OwnedHandle<Handle, &DeleteGdiObject>;
 
 using Bitmap = GdiObject<HBITMAP>;
 using Brush = GdiObject<HBRUSH>;

@@ -60,13 +60,24 @@ struct MessageEntry {
     LRESULT (T::*handler)(WPARAM, LPARAM);
 };
 
+// Runs the handler that `self`'s table names for `message`; false when there is none.
+template <class T>
+bool RunMappedHandler(T* self, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    for (const MessageEntry<T>& entry : T::Messages())
+        if (entry.message == message) {
+            result = (self->*entry.handler)(wParam, lParam);
+            return true;
+        }
+    return false;
+}
+
 template <class T>
 class MappedWindow : public Window {
 protected:
     LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
-        for (const MessageEntry<T>& entry : T::Messages())
-            if (entry.message == message) return (static_cast<T*>(this)->*entry.handler)(wParam, lParam);
-        return Default(message, wParam, lParam);
+        LRESULT result = 0;
+        return RunMappedHandler(static_cast<T*>(this), message, wParam, lParam, result) ? result
+                                                                                         : Default(message, wParam, lParam);
     }
 };
 
@@ -91,19 +102,16 @@ private:
     HWND hwnd_ = nullptr;
 };
 
+// Dialog handlers return what DialogProc returns, which has LRESULT's type.
 template <class T>
-struct DialogEntry {
-    UINT message;
-    INT_PTR (T::*handler)(WPARAM, LPARAM);
-};
+using DialogEntry = MessageEntry<T>;
 
 template <class T>
 class MappedDialog : public Dialog {
 protected:
     INT_PTR HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
-        for (const DialogEntry<T>& entry : T::Messages())
-            if (entry.message == message) return (static_cast<T*>(this)->*entry.handler)(wParam, lParam);
-        return FALSE;
+        LRESULT result = FALSE;
+        return RunMappedHandler(static_cast<T*>(this), message, wParam, lParam, result) ? result : FALSE;
     }
 };
 

@@ -156,7 +156,7 @@ TEST(ToolkitImageStrip, CutsWholeImagesAndMasksTheTransparentColour) {
         }
     ImageList list = ImageListFromStrip(strip, 16, RGB(255, 0, 255));
     ASSERT_TRUE(list);
-    EXPECT_EQ(list.count(), 3);
+    EXPECT_EQ(ImageList_GetImageCount(list.get()), 3);
     int cx = 0, cy = 0;
     ImageList_GetIconSize(list.get(), &cx, &cy);
     EXPECT_EQ(cx, 16);
