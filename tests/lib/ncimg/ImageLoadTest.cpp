@@ -86,8 +86,9 @@ TEST(ExifOrientation, ReadFromJpegAndTiffFiles) {
     const auto jpeg = dir / "o.jpg";
     ASSERT_TRUE(lxtest::MagickMake("rose: JPEG:", jpeg));
     EXPECT_EQ(lx::ReadExifOrientation(lxtest::ReadFile(jpeg)), 0);
-    if (lxtest::Run("exiftool -q -Orientation#=8 -overwrite_original '" + jpeg.string() + "'") == 0)
+    if (lxtest::Run("exiftool -q -Orientation#=8 -overwrite_original '" + jpeg.string() + "'") == 0) {
         EXPECT_EQ(lx::ReadExifOrientation(lxtest::ReadFile(jpeg)), 8);
+    }
     const std::vector<uint8_t> cut = {0xff, 0xd8, 0xff, 0xe1, 0x00, 0x40, 'E', 'x'};
     EXPECT_EQ(lx::ReadExifOrientation(cut), 0);
 }

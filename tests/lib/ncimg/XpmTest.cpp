@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 using lx::ReadXpm;
 using lxtest::kRose;
 using lxtest::MagickCase;
@@ -21,7 +23,8 @@ TEST_P(XpmReadsMagickFiles, PixelsMatchTheOracleAndCutFilesFail) {
 INSTANTIATE_TEST_SUITE_P(
     Kinds, XpmReadsMagickFiles,
     ::testing::Values(MagickCase{"pal", kRose + " -colors 60 XPM:", 8},
-                      MagickCase{"manycolours", kRose + " XPM:", 24},
+                      // ImageMagick's pixmaps hold at most 256 colours (224 here).
+                      MagickCase{"rose", kRose + " XPM:", 8},
                       MagickCase{"transparent", kRose + " -colors 30 -alpha set -channel A -fx 'i<w/2?0:1' +channel XPM:", 32}),
     lxtest::CaseName);
 
@@ -39,6 +42,24 @@ TEST(XpmReader, ColoursByNameHexAndNone) {
     EXPECT_EQ(lx::XColourByName("NavyBlue"), 0x000080u);
     EXPECT_FALSE(lx::XColourByName("gray101"));
     EXPECT_FALSE(lx::XColourByName("no such colour"));
+}
+
+TEST(XpmReader, MoreThan256ColoursGiveDirectColour) {
+    std::string text = "/* XPM */\nstatic char *x[] = {\n\"300 1 300 3\",\n";
+    auto key = [](int i) { return std::string{static_cast<char>('a' + i / 26 % 26), static_cast<char>('a' + i % 26), 'z'}; };
+    char colour[16];
+    for (int i = 0; i < 300; ++i) {
+        std::snprintf(colour, sizeof colour, "#%02X%02X%02X", i & 0xff, i >> 8, 7);
+        text += "\"" + key(i) + " c " + colour + "\",\n";
+    }
+    text += "\"";
+    for (int i = 0; i < 300; ++i) text += key(i);
+    text += "\"};\n";
+    const auto dib = ReadXpm(Bytes(text));
+    ASSERT_TRUE(dib);
+    EXPECT_EQ(dib->bitCount(), 24);
+    EXPECT_EQ(dib->pixel(5, 0), 0xff050007u);
+    EXPECT_EQ(dib->pixel(299, 0), 0xff2b0107u);
 }
 
 TEST(XpmReader, RefusesUnknownPixelsAndShortRows) {
