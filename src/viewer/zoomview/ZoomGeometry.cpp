@@ -76,9 +76,13 @@ int FitZoom(ZoomCommand command, int imageWidth, int imageHeight, int clientWidt
 int64_t ViewMapping::ToClientX(int64_t i) const { return originX - scrollX + FloorDiv(i * zoom, kZoomFull); }
 int64_t ViewMapping::ToClientY(int64_t i) const { return originY - scrollY + FloorDiv(i * zoom, kZoomFull); }
 
-// Inverse of ToClient: the last image pixel whose first client pixel is at or before `c`,
-// that is the largest i with floor(i * zoom / 1000) <= c.
-static int64_t InverseEdge(int64_t c, int zoom) { return FloorDiv((c + 1) * kZoomFull - 1, zoom); }
+// Inverse of ToClient. Enlarged, a client pixel lies in exactly one image pixel: the largest i
+// with floor(i * zoom / 1000) <= c. Reduced, it covers several; the one under its centre is
+// reported, so neither edge of the picture is favoured.
+static int64_t InverseEdge(int64_t c, int zoom) {
+    if (zoom >= kZoomFull) return FloorDiv((c + 1) * kZoomFull - 1, zoom);
+    return FloorDiv((2 * c + 1) * kZoomFull, 2 * int64_t{zoom});
+}
 int64_t ViewMapping::ToImageX(int64_t c) const { return InverseEdge(c - originX + scrollX, zoom); }
 int64_t ViewMapping::ToImageY(int64_t c) const { return InverseEdge(c - originY + scrollY, zoom); }
 

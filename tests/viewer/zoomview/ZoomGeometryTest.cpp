@@ -88,6 +88,10 @@ TEST(ZoomMapping, ClientAndImageCoordinatesInvertEachOther) {
             }
         }
     }
+    // Reduced, a client pixel reports the image pixel under its centre.
+    EXPECT_EQ(MapView(1000, 10, 100, 100, 10, 0, 0).ToImageX(0), 5);
+    EXPECT_EQ(MapView(1000, 10, 100, 100, 10, 0, 0).ToImageX(99), 995);
+    EXPECT_EQ(MapView(1000, 10, 500, 500, 10, 0, 0).ToImageX(3), 7);
     // Negative client positions map below zero, not towards it.
     EXPECT_EQ(MapView(10, 10, 1000, 10, 10, 0, 0).ToImageX(-1), -1);
     EXPECT_EQ(MapView(10, 10, 3000, 10, 10, 0, 0).ToImageY(-1), -1);

@@ -282,6 +282,21 @@ private:
     }
 
     LRESULT OnHScroll(WPARAM wParam, LPARAM) { return Scroll(SB_HORZ, wParam); }
+
+    // The keyboard scrolls as the bars' arrows and pages do.
+    LRESULT OnKeyDown(WPARAM wParam, LPARAM lParam) {
+        switch (wParam) {
+            case VK_LEFT: return Scroll(SB_HORZ, SB_LINEUP);
+            case VK_RIGHT: return Scroll(SB_HORZ, SB_LINEDOWN);
+            case VK_UP: return Scroll(SB_VERT, SB_LINEUP);
+            case VK_DOWN: return Scroll(SB_VERT, SB_LINEDOWN);
+            case VK_PRIOR: return Scroll(SB_VERT, SB_PAGEUP);
+            case VK_NEXT: return Scroll(SB_VERT, SB_PAGEDOWN);
+            case VK_HOME: return Scroll(SB_VERT, SB_TOP);
+            case VK_END: return Scroll(SB_VERT, SB_BOTTOM);
+            default: return Default(WM_KEYDOWN, wParam, lParam);
+        }
+    }
     LRESULT OnVScroll(WPARAM wParam, LPARAM) { return Scroll(SB_VERT, wParam); }
 
     LRESULT OnSize(WPARAM, LPARAM) {
@@ -488,6 +503,7 @@ std::span<const MessageEntry<ZoomView>> ZoomView::Messages() {
         {WM_SIZE, &ZoomView::OnSize},
         {WM_HSCROLL, &ZoomView::OnHScroll},
         {WM_VSCROLL, &ZoomView::OnVScroll},
+        {WM_KEYDOWN, &ZoomView::OnKeyDown},
         {WM_LBUTTONDOWN, &ZoomView::OnLButtonDown},
         {WM_MOUSEMOVE, &ZoomView::OnMouseMove},
         {WM_LBUTTONUP, &ZoomView::OnLButtonUp},

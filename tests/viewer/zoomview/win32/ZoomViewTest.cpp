@@ -300,6 +300,15 @@ TEST_F(ZoomViewTest, DraggingSelectsInImagePixelsAndTheHandScrolls) {
     Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&after));
     EXPECT_EQ(after.scrollX, before.scrollX + 10);
     EXPECT_EQ(after.scrollY, before.scrollY + 30);
+
+    // Keys scroll too, and End goes to the far end of the 400-pixel picture.
+    Send(WM_KEYDOWN, VK_RIGHT);
+    Send(WM_KEYDOWN, VK_END);
+    Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&after));
+    EXPECT_GT(after.scrollX, before.scrollX + 10);
+    RECT client{};
+    GetClientRect(view_, &client);
+    EXPECT_EQ(after.scrollY, 400 - client.bottom);
 }
 
 TEST_F(ZoomViewTest, SettingsRecordsRoundTripWithTheZoomAtByte48) {
