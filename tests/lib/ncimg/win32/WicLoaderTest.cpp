@@ -1,0 +1,110 @@
+// LoadImageFile and the memory loads through WIC, with files our own writers made: each
+// format Windows decodes must come back as the picture that went in, at the right depth.
+#include "GifWriter.h"
+#include "ImageLoad.h"
+#include "../ImageLoadTestSupport.h"
+#include "JpegWriter.h"
+#include "PngWriter.h"
+#include "TiffWriter.h"
+
+#include <gtest/gtest.h>
+
+using lx::PackedDib;
+
+namespace {
+
+std::optional<PackedDib> SaveAndLoad(const std::filesystem::path& file, const std::vector<uint8_t>& bytes) {
+    lxtest::WriteFile(file, bytes);
+    return lx::LoadImageFile(file);
+}
+
+TEST(WicLoader, LosslessFormatsComeBackExactlyAtTheirDepth) {
+    lxtest::ScratchDir dir("wic");
+    struct Case {
+        const char* leaf;
+        std::vector<uint8_t> bytes;
+        PackedDib source;
+        int bitCount;
+    };
+    const PackedDib rgb = lxtest::SyntheticRgb(), rgba = lxtest::SyntheticRgba(), pal4 = lxtest::SyntheticPalette(4),
+                    pal8 = lxtest::SyntheticPalette(8), grey = lxtest::SyntheticGrey(), pal1 = lxtest::SyntheticPalette(1);
+    const Case cases[] = {
+        {"rgb.png", lx::EncodePng(rgb), rgb, 24},       {"rgba.png", lx::EncodePng(rgba), rgba, 32},
+        {"pal4.png", lx::EncodePng(pal4), pal4, 4},     {"pal8.gif", lx::EncodeGif(pal8), pal8, 8},
+        {"pal1.gif", lx::EncodeGif(pal1), pal1, 8},  // GIF frames always decode as 8 bits     {"rgb.tif", lx::EncodeTiff(rgb), rgb, 24},
+        {"grey.tif", lx::EncodeTiff(grey), grey, 8},    {"rgba.tif", lx::EncodeTiff(rgba), rgba, 32},
+    };
+    for (const Case& c : cases) {
+        const auto dib = SaveAndLoad(dir / c.leaf, c.bytes);
+        ASSERT_TRUE(dib) << c.leaf;
+        EXPECT_EQ(dib->bitCount(), c.bitCount) << c.leaf;
+        EXPECT_TRUE(lxtest::SamePixels(*dib, lxtest::PixelsOf(c.source))) << c.leaf;
+    }
+}
+
+TEST(WicLoader, IconsKeepTheirAlpha) {
+    // An icon directory holding one PNG image, as Windows Vista and later write them.
+    const PackedDib rgba = lxtest::SyntheticRgba(16, 16);
+    const std::vector<uint8_t> png = lx::EncodePng(rgba);
+    std::vector<uint8_t> ico = {0, 0, 1, 0, 1, 0, 16, 16, 0, 0, 1, 0, 32, 0};
+    ico.resize(22);
+    lx::WriteLe32(&ico[14], static_cast<uint32_t>(png.size()));
+    lx::WriteLe32(&ico[18], 22);
+    ico.insert(ico.end(), png.begin(), png.end());
+    lxtest::ScratchDir dir("wic-ico");
+    const auto dib = SaveAndLoad(dir / "a.ico", ico);
+    ASSERT_TRUE(dib);
+    EXPECT_EQ(dib->bitCount(), 32);
+    EXPECT_TRUE(lxtest::SamePixels(*dib, lxtest::PixelsOf(rgba)));
+}
+
+// An APP1 Exif segment whose IFD0 holds only the orientation, placed after SOI.
+std::vector<uint8_t> WithOrientation(std::vector<uint8_t> jpeg, uint16_t orientation) {
+    const std::vector<uint8_t> app1 = {0xff, 0xe1, 0, 34, 'E', 'x', 'i', 'f', 0, 0,  'I', 'I', 42, 0, 8, 0, 0, 0,
+                                       1,    0,    0x12, 1, 3, 0, 1, 0, 0, 0, static_cast<uint8_t>(orientation), 0, 0, 0, 0, 0, 0, 0};
+    jpeg.insert(jpeg.begin() + 2, app1.begin(), app1.end());
+    return jpeg;
+}
+
+TEST(WicLoader, JpegIsTurnedUprightByItsOrientation) {
+    lxtest::ScratchDir dir("wic-jpeg");
+    lx::JpegSaveRecord record;
+    record.quality = 95;
+    const PackedDib rgb = lxtest::SyntheticRgb(40, 24);
+    const std::vector<uint8_t> jpeg = lx::EncodeJpeg(rgb, record);
+    const auto plain = SaveAndLoad(dir / "plain.jpg", jpeg);
+    ASSERT_TRUE(plain);
+    EXPECT_EQ(plain->bitCount(), 24);
+    EXPECT_EQ(plain->width(), 40);
+    // Lossy with subsampled colour: close on average, not pixel for pixel.
+    double error = 0;
+    for (int y = 0; y < 24; ++y)
+        for (int x = 0; x < 40; ++x) error += lxtest::ChannelDistance(plain->pixel(x, y), rgb.pixel(x, y), false);
+    EXPECT_LT(error / (40 * 24), 12.0);
+    const auto turned = SaveAndLoad(dir / "turned.jpg", WithOrientation(jpeg, 6));
+    ASSERT_TRUE(turned);
+    EXPECT_EQ(turned->width(), 24);
+    EXPECT_EQ(turned->height(), 40);
+    // The picture's top-left corner is now its top-right one.
+    EXPECT_LE(lxtest::ChannelDistance(turned->pixel(23, 0), plain->pixel(0, 0), false), 8);
+    // From memory as well.
+    const auto fromMemory = lx::LoadJpegFromMemory(WithOrientation(jpeg, 8));
+    ASSERT_TRUE(fromMemory);
+    EXPECT_EQ(fromMemory->width(), 24);
+    EXPECT_LE(lxtest::ChannelDistance(fromMemory->pixel(0, 39), plain->pixel(0, 0), false), 8);
+}
+
+TEST(WicLoader, JapaneseNamesAndDamagedFiles) {
+    lxtest::ScratchDir dir("wic-names");
+    const PackedDib rgb = lxtest::SyntheticRgb();
+    const auto named = SaveAndLoad(dir.path() / std::filesystem::path(L"\u5199\u771f.png"), lx::EncodePng(rgb));
+    ASSERT_TRUE(named);
+    EXPECT_TRUE(lxtest::SamePixels(*named, lxtest::PixelsOf(rgb)));
+    std::vector<uint8_t> cut = lx::EncodePng(rgb);
+    cut.resize(cut.size() / 3);
+    EXPECT_FALSE(SaveAndLoad(dir / "cut.png", cut));
+    EXPECT_FALSE(lx::LoadImageFile(dir / "missing.png"));
+    EXPECT_FALSE(lx::LoadJpegFromMemory(std::vector<uint8_t>{0xff, 0xd8, 0xff, 0xd9}));
+}
+
+}  // namespace
