@@ -381,6 +381,83 @@ TEST_F(ZoomViewTest, GridLinesAppearInTheirColourWhenAsked) {
     EXPECT_EQ(shot.at(120 + 5, 70 + 80), 0x00ff00u);  // row 20
 }
 
+TEST_F(ZoomViewTest, ReplacingKeepsThePositionSettingScrollsHome) {
+    Show(Picture(1000, 1000, Distinct));
+    Send(kZvSetZoom, 2000);
+    ZoomViewSettings at{};
+    at.mask = kSettingsScroll;
+    at.scrollX = 300;
+    at.scrollY = 200;
+    Send(kZvApplySettings, 0, reinterpret_cast<LPARAM>(&at));
+    Show(Picture(1000, 1000, Distinct), kZvReplaceImage);  // an edit of the same picture
+    ZoomViewSettings now{};
+    now.mask = kSettingsScroll | kSettingsZoom;
+    Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&now));
+    EXPECT_EQ(now.scrollX, 300);
+    EXPECT_EQ(now.scrollY, 200);
+    EXPECT_EQ(now.zoom, 2000);
+    Show(Picture(1000, 1000, Distinct), kZvSetImage);  // another picture
+    Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&now));
+    EXPECT_EQ(now.scrollX, 0);
+    EXPECT_EQ(now.scrollY, 0);
+    EXPECT_EQ(now.zoom, 2000);
+}
+
+TEST_F(ZoomViewTest, PaletteImagesShowTheirColoursFullAndReduced) {
+    PackedDib dib = PackedDib::Create(64, 32, 8);
+    for (int i = 0; i < 256; ++i) dib.palette()[i] = Rgbq{static_cast<uint8_t>(i), 0, static_cast<uint8_t>(255 - i), 0};
+    for (int y = 0; y < 32; ++y)
+        for (int x = 0; x < 64; ++x) dib.row(y)[x] = static_cast<uint8_t>(x < 32 ? 10 : 200);
+    Show(dib);
+    Shot shot = Capture(view_);
+    const int ox = (kViewWidth - 64) / 2, oy = (kViewHeight - 32) / 2;
+    EXPECT_EQ(shot.at(ox + 5, oy + 5), 0xf5000au);   // red 245, blue 10
+    EXPECT_EQ(shot.at(ox + 40, oy + 5), 0x3700c8u);  // red 55, blue 200
+    Send(kZvSetZoom, 500);
+    shot = Capture(view_);
+    const int rx = (kViewWidth - 32) / 2, ry = (kViewHeight - 16) / 2;
+    EXPECT_EQ(shot.at(rx + 3, ry + 3), 0xf5000au);
+    EXPECT_EQ(shot.at(rx + 28, ry + 3), 0x3700c8u);
+}
+
+TEST_F(ZoomViewTest, AfterAFitResizingFitsAgainWhenTheOptionAsks) {
+    Show(Picture(800, 600, Distinct));
+    EXPECT_EQ(Send(kZvSetOptions, kOptionRefitOnResize), 0);
+    EXPECT_EQ(Send(kZvGetOptions), kOptionRefitOnResize);
+    EXPECT_EQ(Send(kZvZoomCommand, kZoomWhole), 500);
+    SetWindowPos(view_, nullptr, 0, 0, 200, 150, SWP_NOZORDER | SWP_NOMOVE);
+    EXPECT_EQ(Send(kZvGetZoom), 250);
+    // Without the option the zoom stays where it was.
+    Send(kZvSetOptions, 0);
+    SetWindowPos(view_, nullptr, 0, 0, 400, 300, SWP_NOZORDER | SWP_NOMOVE);
+    EXPECT_EQ(Send(kZvGetZoom), 250);
+    // A small picture is blown up to the window only with the enlarging bit.
+    Show(Picture(40, 30, Distinct));
+    EXPECT_EQ(Send(kZvZoomCommand, kZoomWhole), 1000);
+    Send(kZvSetOptions, kOptionFitEnlarges | kOptionRefitOnResize);
+    EXPECT_EQ(Send(kZvZoomCommand, kZoomWhole), 10000);
+}
+
+TEST_F(ZoomViewTest, AMalformedBlockIsHeldButNotShown) {
+    HGLOBAL junk = GlobalAlloc(GMEM_MOVEABLE, 64);
+    auto* bytes = static_cast<uint8_t*>(GlobalLock(junk));
+    std::memset(bytes, 0, 64);
+    bytes[0] = 40;
+    bytes[4] = 0xff;  // width 255
+    bytes[8] = 0xff;  // height 255, far more pixels than the block holds
+    bytes[12] = 1;
+    bytes[14] = 24;
+    GlobalUnlock(junk);
+    EXPECT_EQ(Send(kZvSetImage, 1, reinterpret_cast<LPARAM>(junk)), 0);
+    EXPECT_EQ(reinterpret_cast<HGLOBAL>(Send(kZvGetImage)), junk);  // still the caller's to get back
+    RECT rc{};
+    EXPECT_EQ(Send(kZvGetSelection, 0, reinterpret_cast<LPARAM>(&rc)), 0);  // no picture
+    const Shot shot = Capture(view_);
+    EXPECT_EQ(shot.at(kViewWidth / 2, kViewHeight / 2), 0x464646u);
+    EXPECT_EQ(reinterpret_cast<HGLOBAL>(Send(kZvSetImage, 1, 0)), junk);
+    GlobalFree(junk);
+}
+
 size_t PrivateBytes() {
     PROCESS_MEMORY_COUNTERS_EX counters{};
     counters.cb = sizeof(counters);
