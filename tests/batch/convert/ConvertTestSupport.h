@@ -6,10 +6,14 @@
 #include <cstdio>
 #include <stdexcept>
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
+#include "ImageLoad.h"
+#include "ImageProbe.h"
 #include "ImageSave.h"
+#include "ImageTypes.h"
 #include "PackedDib.h"
 #include "TestFiles.h"
 #include "ToolSink.h"
@@ -35,8 +39,21 @@ inline void WriteBitmapFile(const std::filesystem::path& path, int width, int he
     if (!lx::SaveBmpFile(path, GradientDib(width, height))) throw std::runtime_error("cannot write test bitmap");
 }
 
-// identify's "%m %w %h" of a file ("JPEG 1000 667"), empty when it cannot read it.
+// identify's "%m %w %h" of a file ("JPEG 1000 667"), empty when it cannot read it. Under Wine
+// the Linux tool cannot be started, so there the file is read back by the codec library and
+// named the way identify names it; the Wine run of lxhost is checked by identify instead.
 inline std::string Identify(const std::filesystem::path& file) {
+#ifdef _WIN32
+    static const std::map<int, std::string> kNames = {{1, "BMP3"}, {2, "JPEG"}, {3, "GIF"}, {5, "TGA"},
+                                                      {10, "PNG"}, {17, "PPM"}};
+    const auto dib = lx::LoadImageFile(file);
+    // Targa has no signature: its type comes from the name, as the loader's does.
+    int type = lx::ProbeImageType(file);
+    if (type == 0) type = lx::ImageTypeFromPath(file.wstring().c_str());
+    const auto name = kNames.find(type);
+    if (!dib || name == kNames.end()) return {};
+    return name->second + " " + std::to_string(dib->width()) + " " + std::to_string(dib->height());
+#else
     const std::filesystem::path out = file.string() + ".identify";
     const int status = Run("identify -format '%m %w %h' '" + file.string() + "' > '" + out.string() + "' 2>/dev/null");
     std::string text;
@@ -46,6 +63,7 @@ inline std::string Identify(const std::filesystem::path& file) {
     }
     std::filesystem::remove(out);
     return text;
+#endif
 }
 
 inline std::vector<std::string> Listing(const std::filesystem::path& folder) {
