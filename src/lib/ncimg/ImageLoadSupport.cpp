@@ -12,7 +12,8 @@ bool PlausibleSize(int64_t width, int64_t height, size_t inputBytes) {
     // 1024 pixels per input byte is beyond every run-length scheme we read, so only
     // hostile headers hit this; small canvases always pass.
     constexpr int64_t kAlwaysAllowed = int64_t{1} << 22;
-    return pixels <= kAlwaysAllowed || pixels / 1024 <= static_cast<int64_t>(inputBytes);
+    // Compared unsigned: a decoder that knows no input size passes SIZE_MAX.
+    return pixels <= kAlwaysAllowed || static_cast<uint64_t>(pixels / 1024) <= static_cast<uint64_t>(inputBytes);
 }
 
 PackedDib NewImage(int64_t width, int64_t height, int bitCount, size_t inputBytes) {

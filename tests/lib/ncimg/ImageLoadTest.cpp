@@ -1,6 +1,7 @@
 #include "BmpWriter.h"
 #include "ImageLoad.h"
 #include "ImageLoadOrientation.h"
+#include "ImageLoadSupport.h"
 #include "ImageLoadTestSupport.h"
 #include "TgaWriter.h"
 
@@ -114,3 +115,12 @@ TEST(ExifOrientation, EachValueMovesTheTopLeftCornerWhereItBelongs) {
 }
 
 }  // namespace
+
+TEST(PlausibleSize, CapsHostileHeadersButNotDecodersWithoutAnInputSize) {
+    EXPECT_TRUE(lx::PlausibleSize(6000, 4000, SIZE_MAX));  // system decoders know no input size
+    EXPECT_TRUE(lx::PlausibleSize(6000, 4000, 24'000'000 / 1024));
+    EXPECT_FALSE(lx::PlausibleSize(6000, 4000, 100));  // 24 MP claimed by a 100-byte file
+    EXPECT_TRUE(lx::PlausibleSize(2048, 2048, 0));     // small canvases always pass
+    EXPECT_FALSE(lx::PlausibleSize(30000, 30000, SIZE_MAX));  // beyond the pixel cap
+    EXPECT_FALSE(lx::PlausibleSize(-1, 10, SIZE_MAX));
+}
