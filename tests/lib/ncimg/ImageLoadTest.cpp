@@ -62,7 +62,11 @@ TEST(LoadImageFile, UnreadableOrUnknownFilesGiveNothing) {
 TEST(LoadImageFile, TargaOnlyCountsUnderItsOwnName) {
     const std::vector<uint8_t> tga = lx::EncodeTga(lxtest::SyntheticRgb(5, 4));
     EXPECT_TRUE(lx::LoadImageBytes(tga, "x.tga"));
+#ifndef _WIN32
+    // Our readers take Targa only by name; on Windows the system decoders are asked next,
+    // and some (Wine's) recognise Targa by content.
     EXPECT_FALSE(lx::LoadImageBytes(tga, "x.dat"));
+#endif
 }
 
 TEST(LoadFromMemory, BitmapBlocksAndJpegWithoutASystemDecoder) {

@@ -81,8 +81,9 @@ TEST(PcxWriter, BlackAndWhiteStaysOneBitPlane) {
     EXPECT_EQ(file[65], 1);
     lxtest::ScratchDir dir("pcx-mono");
     lxtest::WriteFile(dir / "mono.pcx", file);
-    EXPECT_TRUE(lxtest::SamePixels(mono, lxtest::PillowRead(dir / "mono.pcx")));
     lxtest::CheckRoundTrip(ReadPcx, lx::EncodePcx, mono);
+    LX_REQUIRE_MAGICK();  // the oracles run only where the reference tools do (not under Wine)
+    EXPECT_TRUE(lxtest::SamePixels(mono, lxtest::PillowRead(dir / "mono.pcx")));
 }
 
 }  // namespace
