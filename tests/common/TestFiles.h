@@ -10,7 +10,21 @@
 #include <string>
 #include <vector>
 
+#ifdef _WIN32
+#include <process.h>
+#else
+#include <unistd.h>
+#endif
+
 namespace lxtest {
+
+inline long ProcessId() {
+#ifdef _WIN32
+    return static_cast<long>(_getpid());
+#else
+    return static_cast<long>(getpid());
+#endif
+}
 
 inline std::filesystem::path SourceDir() {
     const char* dir = std::getenv("LX_SOURCE_DIR");
@@ -21,7 +35,11 @@ inline std::filesystem::path SourceDir() {
 class ScratchDir {
 public:
     explicit ScratchDir(const std::string& name) {
-        path_ = std::filesystem::temp_directory_path() / ("lxtest-" + name + "-" + std::to_string(std::rand()));
+        // Test programs run in parallel: the process id and a per-process count keep their
+        // folders apart (an unseeded rand() gave every program the same names).
+        static int count = 0;
+        path_ = std::filesystem::temp_directory_path() /
+                ("lxtest-" + name + "-" + std::to_string(ProcessId()) + "-" + std::to_string(++count));
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
     }
