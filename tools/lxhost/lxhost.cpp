@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include "CoreServices.h"
 #include "HostConsole.h"
 #include "Unattended.h"
 
@@ -117,10 +118,6 @@ bool KeyExists(const std::wstring& name) {
     return true;
 }
 
-std::wstring QuoteIfBlank(const std::wstring& arg) {
-    return arg.find_first_of(L" \t") == std::wstring::npos ? arg : L"\"" + arg + L"\"";
-}
-
 int CallExport(HMODULE dll, const Options& options, std::wstring commandLine) {
     if (options.ansi) {
         std::string exportName = options.tool->exportName;
@@ -160,7 +157,7 @@ int RunThroughDll(const Options& options) {
         }
     } else {
         std::wstring commandLine;
-        for (const auto& f : options.files) commandLine += (commandLine.empty() ? L"" : L" ") + QuoteIfBlank(f);
+        for (const auto& f : options.files) commandLine += (commandLine.empty() ? L"" : L" ") + lx::QuoteIfBlank(f);
         status = CallExport(dll, options, commandLine) < 0 ? 3 : 0;
     }
     FreeLibrary(dll);
