@@ -43,6 +43,9 @@ using Pen = GdiObject<HPEN>;
 using Font = GdiObject<HFONT>;
 using Palette = GdiObject<HPALETTE>;
 
+inline void DestroyIconHandle(HICON icon) { DestroyIcon(icon); }
+using Icon = OwnedHandle<HICON, &DestroyIconHandle>;
+
 // A memory DC compatible with `reference` (null: the screen), deleted at the end.
 class MemoryDc {
 public:
