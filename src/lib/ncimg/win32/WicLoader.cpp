@@ -1,6 +1,7 @@
 // Decoding through the Windows Imaging Component: the formats Windows itself decodes (BMP,
 // JPEG, PNG, GIF, TIFF, ICO) and whatever codecs are installed (camera raw, HEIF, ...).
-// The first frame becomes a packed DIB: palette and grey images keep 1, 4 or 8 bits, images
+// The first frame becomes a packed DIB: palette and grey images keep 1, 4 or 8 bits (two-bit
+// palettes become four), images
 // with transparency become 32-bit BGRA (24-bit when every pixel is opaque after all), the
 // rest 24-bit. JPEG and TIFF pictures are turned upright by their Exif orientation. A camera
 // raw file that no codec decodes gives its largest embedded preview instead.
@@ -88,6 +89,24 @@ std::optional<PackedDib> CopyRows(IWICBitmapSource* source, UINT width, UINT hei
     return dib;
 }
 
+// DIBs have no two-bit depth: each two-bit index becomes a four-bit one.
+std::optional<PackedDib> CopyTwoBitRowsAsFour(IWICBitmapSource* source, UINT width, UINT height) {
+    PackedDib dib = NewImage(width, height, 4, SIZE_MAX);
+    if (dib.empty()) return std::nullopt;
+    const size_t stride = (static_cast<size_t>(width) * 2 + 31) / 32 * 4;
+    const size_t total = stride * height;
+    if (total > UINT_MAX) return std::nullopt;
+    std::vector<uint8_t> topDown(total);
+    if (FAILED(source->CopyPixels(nullptr, static_cast<UINT>(stride), static_cast<UINT>(total), topDown.data())))
+        return std::nullopt;
+    for (UINT y = 0; y < height; ++y) {
+        const uint8_t* from = topDown.data() + y * stride;
+        uint8_t* to = dib.row(static_cast<int>(y));
+        for (UINT x = 0; x < width; ++x) PutIndex(to, 4, static_cast<int>(x), (from[x >> 2] >> (6 - 2 * (x & 3))) & 3);
+    }
+    return dib;
+}
+
 std::optional<PackedDib> Converted(IWICImagingFactory* factory, IWICBitmapSource* frame, const WICPixelFormatGUID& to,
                                    UINT width, UINT height, int bitCount) {
     ComPtr<IWICFormatConverter> converter;
@@ -95,6 +114,46 @@ std::optional<PackedDib> Converted(IWICImagingFactory* factory, IWICBitmapSource
         FAILED(converter->Initialize(frame, to, WICBitmapDitherTypeNone, nullptr, 0.0, WICBitmapPaletteTypeCustom)))
         return std::nullopt;
     return CopyRows(converter.get(), width, height, bitCount);
+}
+
+// Colour without transparency as 24-bit BGR. Not every converter offers 24 bits from every
+// source (Wine's takes 16-bit samples, grey below 8 bits and two-bit palettes only to
+// 32-bit BGRA, and refuses only once the pixels are asked for); 32-bit BGRA is the form
+// every converter knows, and its alpha is all opaque here.
+std::optional<PackedDib> ConvertedToBgr(IWICImagingFactory* factory, IWICBitmapSource* frame, UINT width, UINT height) {
+    if (auto dib = Converted(factory, frame, GUID_WICPixelFormat24bppBGR, width, height, 24)) return dib;
+    auto bgra = Converted(factory, frame, GUID_WICPixelFormat32bppBGRA, width, height, 32);
+    if (!bgra) return std::nullopt;
+    return DropOpaqueAlpha(std::move(*bgra));
+}
+
+// A palette image keeps its indices and colours when no entry is transparent.
+std::optional<PackedDib> CopyIndexed(IWICImagingFactory* factory, IWICBitmapFrameDecode* frame, int bits, UINT width,
+                                     UINT height) {
+    ComPtr<IWICPalette> palette;
+    UINT count = 0;
+    BOOL hasAlpha = FALSE;
+    if (FAILED(factory->CreatePalette(palette.out())) || FAILED(frame->CopyPalette(palette.get())) ||
+        FAILED(palette->GetColorCount(&count)) || count == 0 || FAILED(palette->HasAlpha(&hasAlpha)) || hasAlpha)
+        return std::nullopt;
+    std::vector<WICColor> colours(count);
+    if (FAILED(palette->GetColors(count, colours.data(), &count))) return std::nullopt;
+    auto dib = bits == 2 ? CopyTwoBitRowsAsFour(frame, width, height) : CopyRows(frame, width, height, bits);
+    if (!dib) return std::nullopt;
+    auto pal = dib->palette();
+    for (size_t i = 0; i < pal.size(); ++i) {
+        const WICColor c = i < count ? colours[i] : 0;
+        pal[i] = Rgbq{static_cast<uint8_t>(c), static_cast<uint8_t>(c >> 8), static_cast<uint8_t>(c >> 16), 0};
+    }
+    return dib;
+}
+
+int IndexedBits(const WICPixelFormatGUID& format) {
+    if (format == GUID_WICPixelFormat1bppIndexed) return 1;
+    if (format == GUID_WICPixelFormat2bppIndexed) return 2;
+    if (format == GUID_WICPixelFormat4bppIndexed) return 4;
+    if (format == GUID_WICPixelFormat8bppIndexed) return 8;
+    return 0;
 }
 
 std::optional<PackedDib> DecodeFrame(IWICImagingFactory* factory, IWICBitmapDecoder* decoder) {
@@ -105,38 +164,18 @@ std::optional<PackedDib> DecodeFrame(IWICImagingFactory* factory, IWICBitmapDeco
         FAILED(frame->GetPixelFormat(&format)) || !PlausibleSize(width, height, SIZE_MAX))
         return std::nullopt;
 
-    const bool indexed = format == GUID_WICPixelFormat1bppIndexed || format == GUID_WICPixelFormat4bppIndexed ||
-                         format == GUID_WICPixelFormat8bppIndexed;
-    if (indexed) {
-        ComPtr<IWICPalette> palette;
-        UINT count = 0;
-        if (SUCCEEDED(factory->CreatePalette(palette.out())) && SUCCEEDED(frame->CopyPalette(palette.get())) &&
-            SUCCEEDED(palette->GetColorCount(&count))) {
-            std::vector<WICColor> colours(count);
-            BOOL hasAlpha = FALSE;
-            palette->HasAlpha(&hasAlpha);
-            if (!hasAlpha && count > 0 && SUCCEEDED(palette->GetColors(count, colours.data(), &count))) {
-                const int bits = format == GUID_WICPixelFormat1bppIndexed ? 1 : format == GUID_WICPixelFormat4bppIndexed ? 4 : 8;
-                auto dib = CopyRows(frame.get(), width, height, bits);
-                if (!dib) return std::nullopt;
-                auto pal = dib->palette();
-                for (size_t i = 0; i < pal.size(); ++i) {
-                    const WICColor c = i < count ? colours[i] : 0;
-                    pal[i] = Rgbq{static_cast<uint8_t>(c), static_cast<uint8_t>(c >> 8), static_cast<uint8_t>(c >> 16), 0};
-                }
-                return dib;
-            }
-        }
-        // A palette with a transparent entry (GIF) goes the 32-bit way below.
-    }
+    const int indexedBits = IndexedBits(format);
+    if (indexedBits != 0)
+        if (auto dib = CopyIndexed(factory, frame.get(), indexedBits, width, height)) return dib;
+    // A palette with a transparent entry (GIF, PNG with tRNS) goes the 32-bit way below.
     if (format == GUID_WICPixelFormat8bppGray) return CopyRows(frame.get(), width, height, 8);  // grey palette by default
-    if (indexed || FormatHasAlpha(factory, format)) {
+    if (indexedBits != 0 || FormatHasAlpha(factory, format)) {
         auto dib = Converted(factory, frame.get(), GUID_WICPixelFormat32bppBGRA, width, height, 32);
         if (!dib) return std::nullopt;
         return DropOpaqueAlpha(std::move(*dib));
     }
     if (format == GUID_WICPixelFormat24bppBGR) return CopyRows(frame.get(), width, height, 24);
-    return Converted(factory, frame.get(), GUID_WICPixelFormat24bppBGR, width, height, 24);
+    return ConvertedToBgr(factory, frame.get(), width, height);
 }
 
 std::optional<PackedDib> DecodeStream(IWICImagingFactory* factory, std::span<const uint8_t> encoded) {

@@ -31,7 +31,8 @@ TEST(WicLoader, LosslessFormatsComeBackExactlyAtTheirDepth) {
     const Case cases[] = {
         {"rgb.png", lx::EncodePng(rgb), rgb, 24},       {"rgba.png", lx::EncodePng(rgba), rgba, 32},
         {"pal4.png", lx::EncodePng(pal4), pal4, 4},     {"pal8.gif", lx::EncodeGif(pal8), pal8, 8},
-        {"pal1.gif", lx::EncodeGif(pal1), pal1, 8},  // GIF frames always decode as 8 bits     {"rgb.tif", lx::EncodeTiff(rgb), rgb, 24},
+        {"pal1.gif", lx::EncodeGif(pal1), pal1, 8},  // GIF frames always decode as 8 bits
+        {"rgb.tif", lx::EncodeTiff(rgb), rgb, 24},
         {"grey.tif", lx::EncodeTiff(grey), grey, 8},    {"rgba.tif", lx::EncodeTiff(rgba), rgba, 32},
     };
     for (const Case& c : cases) {
@@ -39,6 +40,36 @@ TEST(WicLoader, LosslessFormatsComeBackExactlyAtTheirDepth) {
         ASSERT_TRUE(dib) << c.leaf;
         EXPECT_EQ(dib->bitCount(), c.bitCount) << c.leaf;
         EXPECT_TRUE(lxtest::SamePixels(*dib, lxtest::PixelsOf(c.source))) << c.leaf;
+    }
+}
+
+// PNG variants made by ImageMagick (png/make.sh), each beside the pixels ImageMagick reads
+// from it: every bit depth and colour type, transparency by tRNS, Adam7 interlace.
+TEST(WicLoader, PngOfEveryDepthAndColourType) {
+    struct Case {
+        const char* stem;
+        int bitCount;
+        int tolerance;  // 16-bit samples: ImageMagick rounds to 8 bits, others may truncate
+    };
+    const Case cases[] = {
+        {"rgb16", 24, 1},   {"rgba16", 32, 1},  {"grey16", 24, 1},  {"greya16", 32, 1}, {"greya8", 32, 0},
+        {"grey4", 24, 0},   {"grey2", 24, 0},   {"pal1", 1, 0},     {"pal2", 4, 0},     {"pal4", 4, 0},
+        {"pal8", 8, 0},     {"pal8trns", 32, 0}, {"pal4trns", 32, 0}, {"rgb8i", 24, 0},  {"rgba8i", 32, 0},
+    };
+    const std::filesystem::path folder = lxtest::SourceDir() / "tests/lib/ncimg/win32/png";
+    for (const Case& c : cases) {
+        const std::vector<uint8_t> raw = lxtest::ReadFile(folder / (std::string(c.stem) + ".rgba"));
+        ASSERT_EQ(raw.size(), 13u * 7 * 4) << c.stem;
+        lxtest::Rgba expected{13, 7, {}};
+        for (size_t i = 0; i < raw.size(); i += 4)
+            expected.pixels.push_back(static_cast<uint32_t>(raw[i + 3]) << 24 | raw[i] << 16 | raw[i + 1] << 8 | raw[i + 2]);
+        const auto dib = lx::LoadImageFile(folder / (std::string(c.stem) + ".png"));
+        if (!dib) {
+            ADD_FAILURE() << c.stem << " did not load";
+            continue;
+        }
+        EXPECT_EQ(dib->bitCount(), c.bitCount) << c.stem;
+        EXPECT_TRUE(lxtest::SamePixels(*dib, expected, c.tolerance)) << c.stem;
     }
 }
 
