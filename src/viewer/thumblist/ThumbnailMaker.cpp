@@ -1,0 +1,101 @@
+#include "ThumbnailMaker.h"
+
+#include "ExifReader.h"
+#include "ImageCodecs.h"
+#include "ImageTypes.h"
+#include "mif.h"
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
+
+namespace lx {
+namespace {
+
+// A 32-bit picture's alpha laid over white: the list's cells are not transparent, and a
+// fully transparent pixel often carries black as its colour.
+void FlattenOverWhite(PackedDib& picture) {
+    if (picture.bitCount() != 32 || picture.compression() != kBiRgb) return;
+    for (int y = 0; y < picture.height(); ++y) {
+        uint8_t* p = picture.row(y);
+        for (int x = 0; x < picture.width(); ++x, p += 4) {
+            const int alpha = p[3];
+            for (int c = 0; c < 3; ++c) p[c] = static_cast<uint8_t>((p[c] * alpha + 255 * (255 - alpha) + 127) / 255);
+            p[3] = 255;
+        }
+    }
+}
+
+std::optional<PackedDib> DecodeEmbedded(const EmbeddedImage& image) {
+    return image.format == EmbeddedFormat::Jpeg ? LoadJpegFromMemory(image.bytes) : LoadBmpFromMemory(image.bytes);
+}
+
+bool ExifFastPathApplies(const std::filesystem::path& name) {
+    return MayCarryExif(ImageTypeFromPath(name.wstring().c_str()));
+}
+
+}  // namespace
+
+std::optional<PackedDib> FitThumbnail(PackedDib picture, int box) {
+    const ThumbSize size = FitInBox(picture.width(), picture.height(), box);
+    if (size.width == 0) return std::nullopt;
+    FlattenOverWhite(picture);
+    mif image;
+    if (!image.attachdib(std::move(picture))) return std::nullopt;
+    if ((size.width != image.width() || size.height != image.height()) &&
+        !image.zoom(size.width, size.height, kZoomHighQuality, 0))
+        return std::nullopt;
+    if (!image.setdepth(24)) return std::nullopt;
+    return image.createdib();
+}
+
+std::optional<PackedDib> EmbeddedThumbnail(ByteSource& source, int box) {
+    const std::vector<EmbeddedImageRef> images = ListEmbeddedImages(source);
+    if (images.empty()) return std::nullopt;
+    // Smallest first, since a raw file may also embed a preview of several megapixels. A size
+    // the container does not record (0) is only known once decoded: such images go last.
+    auto pixels = [](const EmbeddedImageRef& ref) {
+        const int64_t count = static_cast<int64_t>(ref.width) * ref.height;
+        return count > 0 ? count : INT64_MAX;
+    };
+    std::vector<size_t> order(images.size());
+    std::iota(order.begin(), order.end(), size_t{0});
+    std::stable_sort(order.begin(), order.end(),
+                     [&](size_t a, size_t b) { return pixels(images[a]) < pixels(images[b]); });
+    for (size_t index : order) {
+        const EmbeddedImageRef& ref = images[index];
+        if (ref.width > 0 && ref.height > 0 && std::max(ref.width, ref.height) < box) continue;
+        const auto extracted = ExtractEmbeddedImage(source, ref);
+        if (!extracted) continue;
+        auto picture = DecodeEmbedded(*extracted);
+        if (!picture || std::max(picture->width(), picture->height()) < box) continue;
+        // The embedded picture is stored the way the sensor saw it, like the main image.
+        if (const auto orientation = ReadOrientation(source)) OrientUpright(*picture, *orientation);
+        return FitThumbnail(std::move(*picture), box);
+    }
+    return std::nullopt;
+}
+
+std::optional<PackedDib> MakeThumbnailDib(const std::filesystem::path& path, int box) {
+    if (ExifFastPathApplies(path)) {
+        FileSource source(path);
+        if (!source.isOpen()) return std::nullopt;
+        if (auto thumbnail = EmbeddedThumbnail(source, box)) return thumbnail;
+    }
+    auto picture = LoadImageFile(path);
+    if (!picture) return std::nullopt;
+    return FitThumbnail(std::move(*picture), box);
+}
+
+std::optional<PackedDib> MakeThumbnailDibFromBytes(std::span<const uint8_t> file, const std::filesystem::path& name,
+                                                   int box) {
+    if (ExifFastPathApplies(name)) {
+        MemorySource source(file);
+        if (auto thumbnail = EmbeddedThumbnail(source, box)) return thumbnail;
+    }
+    auto picture = LoadImageBytes(file, name);
+    if (!picture) return std::nullopt;
+    return FitThumbnail(std::move(*picture), box);
+}
+
+}  // namespace lx

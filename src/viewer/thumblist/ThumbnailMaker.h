@@ -1,0 +1,37 @@
+// Making one list thumbnail from an image file, portably: the picture as a 24-bit packed DIB
+// no larger than a square `box` (72 pixels in the list), its aspect kept.
+//
+// Fast path: JPEG, TIFF and camera raw files usually embed a small picture in their Exif
+// data; the smallest one whose long side reaches `box` is decoded from memory and turned
+// upright by the file's orientation. Otherwise the whole image is loaded (LoadImageFile,
+// which turns photographs upright itself) and reduced with the image class's high-quality
+// area averaging. Pictures smaller than the box keep their size; transparency is laid over
+// white. nullopt when the file cannot be read or decoded. Safe to run on several threads.
+#pragma once
+
+#include "PackedDib.h"
+#include "ThumbnailLayout.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+
+namespace lx {
+
+class ByteSource;
+
+std::optional<PackedDib> MakeThumbnailDib(const std::filesystem::path& path, int box = kThumbnailBox);
+
+// The same over a whole file held in memory; `name` gives the type by its extension.
+std::optional<PackedDib> MakeThumbnailDibFromBytes(std::span<const uint8_t> file, const std::filesystem::path& name,
+                                                   int box = kThumbnailBox);
+
+// The fast path alone: the embedded picture of `source`, upright and fitted; nullopt when
+// the file embeds none at least `box` on its long side.
+std::optional<PackedDib> EmbeddedThumbnail(ByteSource& source, int box = kThumbnailBox);
+
+// Reduces a decoded picture to fit `box` and makes it 24-bit; nullopt when it cannot.
+std::optional<PackedDib> FitThumbnail(PackedDib picture, int box = kThumbnailBox);
+
+}  // namespace lx
