@@ -350,7 +350,8 @@ void CThumbnaiListView::Select(int index) {
 
 void CThumbnaiListView::RemoveAt(int index) {
     if (index < 0 || index >= Count()) return;
-    const bool wasMaking = thread_ != nullptr;
+    // Only a pass that was still running is resumed; a finished list has nothing left to make.
+    const bool wasMaking = thread_ && WaitForSingleObject(thread_, 0) == WAIT_TIMEOUT;
     StopThread();
     if (hwnd_) ListView_DeleteItem(hwnd_, index);
     items_.erase(items_.begin() + index);
@@ -387,9 +388,12 @@ bool CThumbnaiListView::HandleNotify(NMHDR* header, LRESULT& result) {
 
 void CThumbnaiListView::DrawItem(HDC dc, int index, bool selected) {
     const ViewerListItem* item = ItemAt(index);
-    RECT icon{}, label{};
+    RECT bounds{}, icon{}, label{};
     if (!item || !ListView_GetItemRect(hwnd_, index, &icon, LVIR_ICON)) return;
     ListView_GetItemRect(hwnd_, index, &label, LVIR_LABEL);
+    // The whole cell, so an item never depends on the control having erased behind it.
+    ListView_GetItemRect(hwnd_, index, &bounds, LVIR_BOUNDS);
+    FillSolid(dc, bounds, kBackground);
     HBITMAP thumbnail = item->thumbnail;
     const ThumbSize size = thumbnail ? ThumbSize{item->thumbWidth, item->thumbHeight} : ThumbSize{kThumbnailBox, kThumbnailBox};
     // The picture sits in the icon part of the cell; the text line below keeps the name.
@@ -406,7 +410,6 @@ void CThumbnaiListView::DrawItem(HDC dc, int index, bool selected) {
     }
     DrawShadow(dc, picture);
 
-    FillSolid(dc, label, kBackground);
     const int oldMode = SetBkMode(dc, TRANSPARENT);
     const COLORREF oldColour = SetTextColor(dc, kTextColour);
     HFONT font = reinterpret_cast<HFONT>(SendMessageW(hwnd_, WM_GETFONT, 0, 0));
