@@ -6,6 +6,7 @@
 #include "PcxReader.h"
 #include "PnmReader.h"
 #include "PsdReader.h"
+#include "RawPreview.h"
 #include "SgiReader.h"
 #include "SunReader.h"
 #include "TgaReader.h"
@@ -56,24 +57,36 @@ std::optional<std::vector<uint8_t>> ReadWholeFile(const std::filesystem::path& p
     return bytes;
 }
 
+// A camera raw file that no system codec decodes shows its largest embedded image.
+std::optional<PackedDib> LoadWithSystemCodecOrPreview(const std::filesystem::path& path, int type) {
+    auto dib = LoadWithSystemCodec(path, type);
+    if (!dib && IsCameraRawType(type)) return LoadRawPreview(path);
+    return dib;
+}
+
 }  // namespace
 
 std::optional<PackedDib> LoadImageBytes(std::span<const uint8_t> file, const std::filesystem::path& name) {
     const int type = TypeWithTgaByName(file, name);
     if (Reader read = OwnReader(type)) return read(file);
-    return DecodeWithSystemCodec(file, type);
+    auto dib = DecodeWithSystemCodec(file, type);
+    if (!dib && IsCameraRawType(type)) {
+        MemorySource source(file);
+        if (const auto preview = FindRawPreview(source)) return DecodeRawPreview(*preview);
+    }
+    return dib;
 }
 
 std::optional<PackedDib> LoadImageFile(const std::filesystem::path& path) {
     const int type = ProbeImageType(path);
     // Formats of our own are read whole; the rest is left to the system codec, which reads
     // the file itself (a camera raw file may be tens of megabytes it never needs whole).
-    if (type != 0 && !OwnReader(type)) return LoadWithSystemCodec(path, type);
+    if (type != 0 && !OwnReader(type)) return LoadWithSystemCodecOrPreview(path, type);
     const auto bytes = ReadWholeFile(path);
     if (!bytes) return std::nullopt;
     const int known = TypeWithTgaByName(*bytes, path.filename());
     if (Reader read = OwnReader(known)) return read(*bytes);
-    return LoadWithSystemCodec(path, known);
+    return LoadWithSystemCodecOrPreview(path, known);
 }
 
 std::optional<PackedDib> LoadBmpFromMemory(std::span<const uint8_t> block) { return ReadBmp(block); }

@@ -5,7 +5,8 @@
 // with a consistent header counts as Targa). Everything else goes to the system's codecs:
 // on Windows, WIC (JPEG, PNG, GIF, TIFF, ICO and installed ones such as camera raw), whose
 // JPEG and TIFF results are turned upright by their Exif orientation; elsewhere those
-// formats do not load. nullopt when the file cannot be read or decoded.
+// formats do not load. A camera raw file that no codec decodes gives its largest embedded
+// preview (RawPreview.h). nullopt when the file cannot be read or decoded.
 #pragma once
 
 #include "PackedDib.h"

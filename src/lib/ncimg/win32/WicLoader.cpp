@@ -1,13 +1,11 @@
 // Decoding through the Windows Imaging Component: the formats Windows itself decodes (BMP,
 // JPEG, PNG, GIF, TIFF, ICO) and whatever codecs are installed (camera raw, HEIF, ...).
 // The first frame becomes a packed DIB: palette and grey images keep 1, 4 or 8 bits (two-bit
-// palettes become four), images
-// with transparency become 32-bit BGRA (24-bit when every pixel is opaque after all), the
-// rest 24-bit. JPEG and TIFF pictures are turned upright by their Exif orientation. A camera
-// raw file that no codec decodes gives its largest embedded preview instead.
+// palettes become four), images with transparency become 32-bit BGRA (24-bit when every
+// pixel is opaque after all), the rest 24-bit. JPEG and TIFF pictures are turned upright by
+// their Exif orientation.
 #include "ImageLoadSystem.h"
 
-#include "BmpReader.h"
 #include "ImageLoadOrientation.h"
 #include "ImageLoadSupport.h"
 
@@ -20,12 +18,6 @@
 #include <fstream>
 #include <iterator>
 #include <vector>
-
-#if __has_include("ExifContainer.h")
-#include "EmbeddedImage.h"
-#include "ExifContainer.h"
-#define LX_HAVE_EXIF_PREVIEWS 1
-#endif
 
 namespace lx {
 namespace {
@@ -206,26 +198,6 @@ std::vector<uint8_t> OrientationBytes(const std::filesystem::path& path, int typ
     return bytes;
 }
 
-#ifdef LX_HAVE_EXIF_PREVIEWS
-std::optional<PackedDib> LargestPreview(IWICImagingFactory* factory, const std::filesystem::path& path) {
-    FileSource source(path);
-    if (!source.isOpen()) return std::nullopt;
-    const auto record = ReadExifRecord(source, true);
-    if (!record) return std::nullopt;
-    const int chosen = ChooseEmbeddedImage(record->images, EmbeddedChoice::Largest);
-    if (chosen < 0) return std::nullopt;
-    const auto image = ExtractEmbeddedImage(source, record->images[static_cast<size_t>(chosen)]);
-    if (!image) return std::nullopt;
-    if (image->format == EmbeddedFormat::Bmp) return ReadBmp(image->bytes);
-    auto dib = DecodeStream(factory, image->bytes);
-    if (dib) OrientUpright(*dib, ReadExifOrientation(image->bytes));
-    return dib;
-}
-#else
-// Without the Exif reader linked in there is no way to find an embedded preview.
-std::optional<PackedDib> LargestPreview(IWICImagingFactory*, const std::filesystem::path&) { return std::nullopt; }
-#endif
-
 }  // namespace
 
 std::optional<PackedDib> LoadWithSystemCodec(const std::filesystem::path& path, int type) {
@@ -237,7 +209,6 @@ std::optional<PackedDib> LoadWithSystemCodec(const std::filesystem::path& path, 
     if (SUCCEEDED(factory->CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ, WICDecodeMetadataCacheOnDemand,
                                                      decoder.out())))
         dib = DecodeFrame(factory.get(), decoder.get());
-    if (!dib && type >= 26 && type <= 39) return LargestPreview(factory.get(), path);
     if (dib && (type == 2 || type == 4)) {
         const int orientation = ReadExifOrientation(OrientationBytes(path, type));
         if (!OrientUpright(*dib, orientation)) return std::nullopt;

@@ -5,6 +5,8 @@
 #include "../ImageLoadTestSupport.h"
 #include "JpegWriter.h"
 #include "PngWriter.h"
+#include "../RawTestFiles.h"
+#include "ImageLoadOrientation.h"
 #include "TiffWriter.h"
 
 #include <gtest/gtest.h>
@@ -97,21 +99,32 @@ std::vector<uint8_t> WithOrientation(std::vector<uint8_t> jpeg, uint16_t orienta
     return jpeg;
 }
 
-TEST(WicLoader, JpegIsTurnedUprightByItsOrientation) {
-    lxtest::ScratchDir dir("wic-jpeg");
+// Mean over all pixels of the largest channel difference: for lossy previews (about 8 for
+// this picture at quality 95 with subsampled colour; a wrong turn of it gives several times that).
+double MeanDistance(const PackedDib& a, const PackedDib& b) {
+    double sum = 0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x) sum += lxtest::ChannelDistance(a.pixel(x, y), b.pixel(x, y), false);
+    return sum / (a.width() * a.height());
+}
+
+// The 40 x 24 synthetic picture as a quality-95 JPEG.
+std::vector<uint8_t> SyntheticJpeg(const PackedDib& picture) {
     lx::JpegSaveRecord record;
     record.quality = 95;
+    return lx::EncodeJpeg(picture, record);
+}
+
+TEST(WicLoader, JpegIsTurnedUprightByItsOrientation) {
+    lxtest::ScratchDir dir("wic-jpeg");
     const PackedDib rgb = lxtest::SyntheticRgb(40, 24);
-    const std::vector<uint8_t> jpeg = lx::EncodeJpeg(rgb, record);
+    const std::vector<uint8_t> jpeg = SyntheticJpeg(rgb);
     const auto plain = SaveAndLoad(dir / "plain.jpg", jpeg);
     ASSERT_TRUE(plain);
     EXPECT_EQ(plain->bitCount(), 24);
     EXPECT_EQ(plain->width(), 40);
     // Lossy with subsampled colour: close on average, not pixel for pixel.
-    double error = 0;
-    for (int y = 0; y < 24; ++y)
-        for (int x = 0; x < 40; ++x) error += lxtest::ChannelDistance(plain->pixel(x, y), rgb.pixel(x, y), false);
-    EXPECT_LT(error / (40 * 24), 12.0);
+    EXPECT_LT(MeanDistance(*plain, rgb), 12.0);
     const auto turned = SaveAndLoad(dir / "turned.jpg", WithOrientation(jpeg, 6));
     ASSERT_TRUE(turned);
     EXPECT_EQ(turned->width(), 24);
@@ -123,6 +136,39 @@ TEST(WicLoader, JpegIsTurnedUprightByItsOrientation) {
     ASSERT_TRUE(fromMemory);
     EXPECT_EQ(fromMemory->width(), 24);
     EXPECT_LE(lxtest::ChannelDistance(fromMemory->pixel(0, 39), plain->pixel(0, 0), false), 8);
+}
+
+TEST(WicLoader, CameraRawShowsItsLargestPreviewUpright) {
+    lxtest::ScratchDir dir("wic-raw");
+    const PackedDib picture = lxtest::SyntheticRgb(40, 24);
+    const std::vector<uint8_t> jpeg = SyntheticJpeg(picture);
+    const PackedDib thumb = lxtest::SyntheticRgb(16, 12);
+    for (int orientation : {0, 6, 3}) {
+        PackedDib upright = picture;
+        ASSERT_TRUE(lx::OrientUpright(upright, orientation));
+        for (const char* leaf : {"a.cr2", "b.nef", "c.dng"}) {
+            const auto dib = SaveAndLoad(dir / leaf, lxtest::MakeRawLikeFile({jpeg, thumb, orientation}));
+            ASSERT_TRUE(dib) << leaf << " orientation " << orientation;
+            EXPECT_EQ(dib->bitCount(), 24);
+            ASSERT_EQ(dib->width(), upright.width()) << leaf << " orientation " << orientation;
+            ASSERT_EQ(dib->height(), upright.height());
+            EXPECT_LT(MeanDistance(*dib, upright), 12.0) << leaf << " orientation " << orientation;
+        }
+    }
+    // A preview that carries its own orientation is turned by that one alone.
+    const auto own = SaveAndLoad(dir / "own.nef", lxtest::MakeRawLikeFile({WithOrientation(jpeg, 8), thumb, 6}));
+    ASSERT_TRUE(own);
+    PackedDib left = picture;
+    ASSERT_TRUE(lx::OrientUpright(left, 8));
+    ASSERT_EQ(own->width(), 24);
+    EXPECT_LT(MeanDistance(*own, left), 12.0);
+    PackedDib right = picture;
+    ASSERT_TRUE(lx::OrientUpright(right, 6));
+    EXPECT_GT(MeanDistance(*own, right), 24.0);
+    // Without a JPEG the RGB thumbnail is the largest image.
+    const auto small = SaveAndLoad(dir / "thumb.nef", lxtest::MakeRawLikeFile({{}, thumb, 0}));
+    ASSERT_TRUE(small);
+    EXPECT_TRUE(lxtest::SamePixels(*small, lxtest::PixelsOf(thumb)));
 }
 
 TEST(WicLoader, JapaneseNamesAndDamagedFiles) {
