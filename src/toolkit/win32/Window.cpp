@@ -1,5 +1,7 @@
 #include "Window.h"
 
+#include "ModuleResources.h"
+
 namespace lx {
 
 namespace {
@@ -47,7 +49,7 @@ Window::~Window() {
 HWND Window::Create(const wchar_t* className, const wchar_t* title, DWORD style, DWORD exStyle, int x, int y,
                     int width, int height, HWND parent, HMENU menuOrId) {
     return CreateWindowExW(exStyle, className, title, style, x, y, width, height, parent, menuOrId,
-                           GetModuleHandleW(nullptr), this);
+                           ModuleInstance(), this);
 }
 
 Window* Window::FromHandle(HWND hwnd) {
@@ -64,10 +66,16 @@ bool RegisterWindowClass(const wchar_t* className, WindowFactory factory, UINT s
     wc.style = style;
     wc.lpfnWndProc = WindowProc;
     wc.cbClsExtra = sizeof(void*);
-    wc.hInstance = GetModuleHandleW(nullptr);
+    // Our classes belong to this module: inside the host the DLL, in a test the program.
+    wc.hInstance = ModuleInstance();
     wc.hCursor = cursor ? cursor : LoadCursorW(nullptr, IDC_ARROW);
     wc.hbrBackground = background;
     wc.lpszClassName = className;
+    // A class left by an earlier load of the module at another address would call a dead
+    // procedure: it is replaced.
+    WNDCLASSEXW existing{sizeof(existing)};
+    if (GetClassInfoExW(wc.hInstance, className, &existing) && existing.lpfnWndProc != WindowProc)
+        UnregisterClassW(className, wc.hInstance);
     if (!RegisterClassExW(&wc)) {
         if (GetLastError() != ERROR_CLASS_ALREADY_EXISTS) return false;
         return true;
