@@ -69,7 +69,6 @@ CoefficientMaker::CoefficientMaker(const PackedDib& dib, JpegFrame& frame, const
     width_ = 8 * full.blocksAcross;
     for (size_t c = 0; c < frame.components.size(); ++c) planes_[c].resize(static_cast<size_t>(rows_ + 2) * width_);
     work_.resize(static_cast<size_t>(rows_) * width_);
-    band_.resize(static_cast<size_t>(8) * width_);
 }
 
 void CoefficientMaker::make(int mcuRow) {
@@ -123,10 +122,9 @@ void CoefficientMaker::readRows(int mcuRow) {
 void CoefficientMaker::transform(JpegComponent& comp, int mcuRow, const uint8_t* samples, int stride) {
     const DctQuantizer& q = quantizers_[comp.tableIndex];
     for (int y = 0; y < comp.vSampling; ++y) {
-        for (int r = 0; r < 8; ++r)
-            LevelShiftRow(samples + static_cast<size_t>(y * 8 + r) * stride, stride, band_.data() + r * stride);
+        const uint8_t* band = samples + static_cast<size_t>(y * 8) * stride;
         const int by = mcuRow * comp.vSampling + y;
-        for (int bx = 0; bx < comp.blocksAcross; ++bx) ForwardDctQuantize(band_.data() + bx * 8, stride, q, comp.block(bx, by));
+        for (int bx = 0; bx < comp.blocksAcross; ++bx) ForwardDctQuantize(band + bx * 8, stride, q, comp.block(bx, by));
     }
 }
 

@@ -67,7 +67,6 @@ private:
     int rows_ = 0, width_ = 0;
     std::vector<uint8_t> planes_[3];
     std::vector<uint8_t> work_;
-    std::vector<float> band_;  // eight rows of samples ready for the DCT
 };
 
 }  // namespace lx

@@ -4,6 +4,10 @@
 #include <cstring>
 #include <numbers>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace lx {
 namespace {
 
@@ -58,6 +62,22 @@ inline __attribute__((always_inline)) void Transpose4(const Lanes* in, Lanes* ou
     out[3] = __builtin_shuffle(t2, t3, IntLanes{2, 3, 6, 7});
 }
 
+// Eight samples as two sets of four lanes, level-shifted.
+inline __attribute__((always_inline)) void LevelShifted(const uint8_t* samples, Lanes& left, Lanes& right) {
+#if defined(__SSE2__)
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i words = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(samples)), zero);
+    const Lanes shift = {128.0f, 128.0f, 128.0f, 128.0f};
+    left = reinterpret_cast<Lanes>(_mm_cvtepi32_ps(_mm_unpacklo_epi16(words, zero))) - shift;
+    right = reinterpret_cast<Lanes>(_mm_cvtepi32_ps(_mm_unpackhi_epi16(words, zero))) - shift;
+#else
+    for (int i = 0; i < 4; ++i) {
+        left[i] = static_cast<float>(samples[i]) - 128.0f;
+        right[i] = static_cast<float>(samples[i + 4]) - 128.0f;
+    }
+#endif
+}
+
 }  // namespace
 
 DctQuantizer MakeDctQuantizer(const QuantTable& table) {
@@ -77,17 +97,10 @@ DctQuantizer MakeDctQuantizer(const QuantTable& table) {
     return q;
 }
 
-void LevelShiftRow(const uint8_t* samples, int count, float* out) {
-    for (int i = 0; i < count; ++i) out[i] = static_cast<float>(samples[i]) - 128.0f;
-}
-
-void ForwardDctQuantize(const float* samples, ptrdiff_t stride, const DctQuantizer& quantizer, int16_t* zigzag) {
+void ForwardDctQuantize(const uint8_t* samples, ptrdiff_t stride, const DctQuantizer& quantizer, int16_t* zigzag) {
     // Columns first, in two halves of four lanes: left[r] holds columns 0-3 of row r.
     Lanes left[8], right[8];
-    for (int r = 0; r < 8; ++r) {
-        std::memcpy(&left[r], samples + r * stride, sizeof(Lanes));
-        std::memcpy(&right[r], samples + r * stride + 4, sizeof(Lanes));
-    }
+    for (int r = 0; r < 8; ++r) LevelShifted(samples + r * stride, left[r], right[r]);
     Dct8(left);
     Dct8(right);
 

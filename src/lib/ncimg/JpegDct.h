@@ -22,11 +22,8 @@ struct DctQuantizer {
 
 DctQuantizer MakeDctQuantizer(const QuantTable& table);
 
-// Samples as the transform takes them: level-shifted to -128..127, as floats.
-void LevelShiftRow(const uint8_t* samples, int count, float* out);
-
-// Transforms the 8x8 level-shifted samples starting at `samples` (rows `stride` floats
-// apart, 16-byte aligned) and stores the quantised coefficients in zigzag order.
-void ForwardDctQuantize(const float* samples, ptrdiff_t stride, const DctQuantizer& quantizer, int16_t* zigzag);
+// Transforms the 8x8 samples starting at `samples` (rows `stride` bytes apart), level-
+// shifted to -128..127 on the way in, and stores the quantised coefficients in zigzag order.
+void ForwardDctQuantize(const uint8_t* samples, ptrdiff_t stride, const DctQuantizer& quantizer, int16_t* zigzag);
 
 }  // namespace lx

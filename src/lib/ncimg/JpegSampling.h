@@ -1,7 +1,7 @@
 // Sample preparation for the JPEG encoder: RGB to YCbCr conversion, the optional input
 // smoothing filter, and 2x2 chroma downsampling.
 //
-// Conversion uses the JFIF equations in 16-bit fixed point. Smoothing is the classic
+// Conversion uses the JFIF equations in 14-bit fixed point. Smoothing is the classic
 // filter of the common JPEG tools: each sample keeps weight 1 - 8 * SF and each of its
 // eight neighbours contributes SF, with SF = smoothing / 1024 (smoothing 0..100); when
 // downsampling, the smoothed values are averaged directly in one step. Callers pass the
