@@ -1,5 +1,6 @@
 #include "JpegDct.h"
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <numbers>
@@ -50,6 +51,16 @@ inline __attribute__((always_inline)) void Dct8(Lanes* d) {
     d[7] = z11 - z4;
 }
 
+// The second pass runs over the transposed block, so output [u][v] holds horizontal
+// frequency u and vertical frequency v (natural index v * 8 + u). kOutputOfZigzag[k] is
+// the output holding the k-th coefficient in zigzag order; being a constant, the copy
+// into zigzag order unrolls into plain moves.
+constexpr std::array<uint8_t, 64> kOutputOfZigzag = [] {
+    std::array<uint8_t, 64> place{};
+    for (int k = 0; k < 64; ++k) place[k] = static_cast<uint8_t>(kZigzagToNatural[k] % 8 * 8 + kZigzagToNatural[k] / 8);
+    return place;
+}();
+
 // Transposes the 4x4 square in[0..3] into out[0..3].
 inline __attribute__((always_inline)) void Transpose4(const Lanes* in, Lanes* out) {
     const Lanes t0 = __builtin_shuffle(in[0], in[1], IntLanes{0, 4, 1, 5});
@@ -81,19 +92,10 @@ inline __attribute__((always_inline)) void LevelShifted(const uint8_t* samples, 
 }  // namespace
 
 DctQuantizer MakeDctQuantizer(const QuantTable& table) {
-    uint8_t naturalToZigzag[64];
-    for (int k = 0; k < 64; ++k) naturalToZigzag[kZigzagToNatural[k]] = static_cast<uint8_t>(k);
-    // The second pass runs over the transposed block, so output [u][v] holds horizontal
-    // frequency u and vertical frequency v: natural index v * 8 + u.
     DctQuantizer q;
-    for (int u = 0; u < 8; ++u) {
-        for (int v = 0; v < 8; ++v) {
-            const int natural = v * 8 + u;
-            q.reciprocal[u * 8 + v] =
-                static_cast<float>(1.0 / (table[natural] * AanScale(u) * AanScale(v) * 8.0));
-            q.zigzagPlace[u * 8 + v] = naturalToZigzag[natural];
-        }
-    }
+    for (int u = 0; u < 8; ++u)
+        for (int v = 0; v < 8; ++v)
+            q.reciprocal[u * 8 + v] = static_cast<float>(1.0 / (table[v * 8 + u] * AanScale(u) * AanScale(v) * 8.0));
     return q;
 }
 
@@ -115,17 +117,25 @@ void ForwardDctQuantize(const uint8_t* samples, ptrdiff_t stride, const DctQuant
 
     // Quantise: |coefficient| stays below 1024 for 8-bit samples, so the value made
     // positive by the offset truncates to the rounded result.
-    alignas(16) int32_t rounded[64];
+    alignas(16) int16_t rounded[64];
     for (int u = 0; u < 8; ++u) {
         Lanes recipLow, recipHigh;
         std::memcpy(&recipLow, quantizer.reciprocal + u * 8, sizeof(Lanes));
         std::memcpy(&recipHigh, quantizer.reciprocal + u * 8 + 4, sizeof(Lanes));
         const IntLanes a = __builtin_convertvector(low[u] * recipLow + 16384.5f, IntLanes) - 16384;
         const IntLanes b = __builtin_convertvector(high[u] * recipHigh + 16384.5f, IntLanes) - 16384;
-        std::memcpy(rounded + u * 8, &a, sizeof a);
-        std::memcpy(rounded + u * 8 + 4, &b, sizeof b);
+#if defined(__SSE2__)
+        _mm_store_si128(reinterpret_cast<__m128i*>(rounded + u * 8),
+                        _mm_packs_epi32(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)));
+#else
+        for (int i = 0; i < 4; ++i) {
+            rounded[u * 8 + i] = static_cast<int16_t>(a[i]);
+            rounded[u * 8 + 4 + i] = static_cast<int16_t>(b[i]);
+        }
+#endif
     }
-    for (int i = 0; i < 64; ++i) zigzag[quantizer.zigzagPlace[i]] = static_cast<int16_t>(rounded[i]);
+#pragma GCC unroll 64
+    for (int k = 0; k < 64; ++k) zigzag[k] = rounded[kOutputOfZigzag[k]];
 }
 
 }  // namespace lx

@@ -13,11 +13,10 @@
 
 namespace lx {
 
-// One quantisation table prepared for the transform: reciprocal divisors and, for each
-// transform output, its place in zigzag order. Both follow the transform's output order.
+// One quantisation table prepared for the transform: reciprocal divisors, in the
+// transform's output order.
 struct DctQuantizer {
     alignas(16) float reciprocal[64];
-    uint8_t zigzagPlace[64];
 };
 
 DctQuantizer MakeDctQuantizer(const QuantTable& table);

@@ -30,26 +30,47 @@ using SymbolCounts = std::array<uint32_t, 256>;
 // when nothing was counted at all the table still holds one code, so it stays valid.
 HuffmanSpec OptimalSpec(const SymbolCounts& counts);
 
-// Number of bits needed for a coefficient magnitude (its JPEG "size" category).
+// Number of bits needed for a coefficient magnitude (its JPEG "size" category). The
+// low one-bit keeps zero defined without a branch.
 inline int BitLength(uint32_t magnitude) {
-    return magnitude == 0 ? 0 : 32 - __builtin_clz(magnitude);
+    return 63 - __builtin_clzll(uint64_t{magnitude} << 1 | 1);
 }
 
 class BitStream {
 public:
-    // Appends the low `count` bits of `bits` (count at most 32, higher bits zero).
-    void put(uint32_t bits, int count) {
-        if (count < free_) {
-            free_ -= count;
-            acc_ |= static_cast<uint64_t>(bits) << free_;
-            return;
+    // Appends bits with the stream's unfinished word held in the writer itself: a writer
+    // that lives in one function's loop keeps it in registers instead of storing and
+    // reloading it with every code. The stream takes the word back when the writer ends.
+    class Writer {
+    public:
+        explicit Writer(BitStream& stream) : stream_(stream), acc_(stream.acc_), free_(stream.free_) {}
+        ~Writer() {
+            stream_.acc_ = acc_;
+            stream_.free_ = free_;
         }
-        const int over = count - free_;
-        acc_ |= static_cast<uint64_t>(bits) >> over;
-        words_.push_back(acc_);
-        free_ = 64 - over;
-        acc_ = over ? static_cast<uint64_t>(bits) << free_ : 0;
-    }
+        Writer(const Writer&) = delete;
+        Writer& operator=(const Writer&) = delete;
+
+        // Appends the low `count` bits of `bits` (count at most 32, higher bits zero).
+        void put(uint32_t bits, int count) {
+            if (count < free_) {
+                free_ -= count;
+                acc_ |= static_cast<uint64_t>(bits) << free_;
+                return;
+            }
+            const int over = count - free_;
+            stream_.words_.push_back(acc_ | static_cast<uint64_t>(bits) >> over);
+            free_ = 64 - over;
+            acc_ = over ? static_cast<uint64_t>(bits) << free_ : 0;
+        }
+
+    private:
+        BitStream& stream_;
+        uint64_t acc_;
+        int free_;
+    };
+
+    void put(uint32_t bits, int count) { Writer(*this).put(bits, count); }
     void append(const BitStream& other);
     uint64_t bitCount() const { return words_.size() * 64 + (64 - free_); }
     void reserveBytes(size_t bytes) { words_.reserve(bytes / 8 + 1); }

@@ -25,6 +25,8 @@ private:
 class WritingSink {
 public:
     WritingSink(const ScanCodes& codes, BitStream& out) : codes_(codes), out_(out) {}
+    WritingSink(const WritingSink&) = delete;
+    WritingSink& operator=(const WritingSink&) = delete;
     void dc(int slot, int symbol, uint32_t extra, int extraBits) { put(codes_.dc[slot], symbol, extra, extraBits); }
     void ac(int slot, int symbol, uint32_t extra, int extraBits) { put(codes_.ac[slot], symbol, extra, extraBits); }
     void bits(uint32_t value, int count) { out_.put(value, count); }
@@ -34,7 +36,7 @@ private:
         out_.put(static_cast<uint32_t>(table.code[symbol]) << extraBits | extra, table.length[symbol] + extraBits);
     }
     const ScanCodes& codes_;
-    BitStream& out_;
+    BitStream::Writer out_;
 };
 
 constexpr int kZeroRun16 = 0xf0;
@@ -47,10 +49,12 @@ struct Magnitude {
     int size;
     uint32_t extra;
 };
+// Signs of coefficients are as good as random, so this takes no branch on them.
 inline Magnitude Split(int value) {
-    const uint32_t magnitude = static_cast<uint32_t>(std::abs(value));
+    const int32_t sign = value >> 31;  // 0 or -1
+    const uint32_t magnitude = static_cast<uint32_t>((value ^ sign) - sign);
     const int size = BitLength(magnitude);
-    const uint32_t extra = value < 0 ? (static_cast<uint32_t>(value - 1) & ((1u << size) - 1)) : magnitude;
+    const uint32_t extra = static_cast<uint32_t>(value + sign) & ((1u << size) - 1);
     return {size, extra};
 }
 
