@@ -24,19 +24,32 @@ private:
 
 class WritingSink {
 public:
+    // The same, with the unfinished word of the bit stream in a writer of its own. The
+    // sequential scan makes one per block: in the short block loop the word stays in a
+    // register, where the whole scan loop has too many other values live to keep it.
+    class Block {
+    public:
+        explicit Block(WritingSink& sink) : codes_(sink.codes_), out_(sink.out_) {}
+        void dc(int slot, int symbol, uint32_t extra, int extraBits) { put(codes_.dc[slot], symbol, extra, extraBits); }
+        void ac(int slot, int symbol, uint32_t extra, int extraBits) { put(codes_.ac[slot], symbol, extra, extraBits); }
+        void bits(uint32_t value, int count) { out_.put(value, count); }
+
+    private:
+        void put(const HuffmanCodes& table, int symbol, uint32_t extra, int extraBits) {
+            out_.put(static_cast<uint32_t>(table.code[symbol]) << extraBits | extra, table.length[symbol] + extraBits);
+        }
+        const ScanCodes& codes_;
+        BitStream::Writer out_;
+    };
+
     WritingSink(const ScanCodes& codes, BitStream& out) : codes_(codes), out_(out) {}
-    WritingSink(const WritingSink&) = delete;
-    WritingSink& operator=(const WritingSink&) = delete;
-    void dc(int slot, int symbol, uint32_t extra, int extraBits) { put(codes_.dc[slot], symbol, extra, extraBits); }
-    void ac(int slot, int symbol, uint32_t extra, int extraBits) { put(codes_.ac[slot], symbol, extra, extraBits); }
+    void dc(int slot, int symbol, uint32_t extra, int extraBits) { Block(*this).dc(slot, symbol, extra, extraBits); }
+    void ac(int slot, int symbol, uint32_t extra, int extraBits) { Block(*this).ac(slot, symbol, extra, extraBits); }
     void bits(uint32_t value, int count) { out_.put(value, count); }
 
 private:
-    void put(const HuffmanCodes& table, int symbol, uint32_t extra, int extraBits) {
-        out_.put(static_cast<uint32_t>(table.code[symbol]) << extraBits | extra, table.length[symbol] + extraBits);
-    }
     const ScanCodes& codes_;
-    BitStream::Writer out_;
+    BitStream& out_;
 };
 
 constexpr int kZeroRun16 = 0xf0;
@@ -110,7 +123,7 @@ inline void PointTransform(const int16_t* zz, int shift, BlockMagnitudes& m) {
 }
 
 template <class Sink>
-inline void CodeSequentialBlock(const int16_t* zz, int& predictor, int slot, Sink& sink) {
+inline void CodeBlockSymbols(const int16_t* zz, int& predictor, int slot, Sink& sink) {
     const Magnitude dc = Split(zz[0] - predictor);
     predictor = zz[0];
     sink.dc(slot, dc.size, dc.extra, dc.size);
@@ -127,6 +140,16 @@ inline void CodeSequentialBlock(const int16_t* zz, int& predictor, int slot, Sin
         last = k;
     }
     if (last != 63) sink.ac(slot, 0, 0, 0);  // end of block
+}
+
+template <class Sink>
+inline void CodeSequentialBlock(const int16_t* zz, int& predictor, int slot, Sink& sink) {
+    if constexpr (requires { typename Sink::Block; }) {
+        typename Sink::Block block(sink);
+        CodeBlockSymbols(zz, predictor, slot, block);
+    } else {
+        CodeBlockSymbols(zz, predictor, slot, sink);
+    }
 }
 
 template <class Sink>
