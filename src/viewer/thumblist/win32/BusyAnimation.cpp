@@ -3,20 +3,6 @@
 #include "CoreServices.h"
 
 namespace lx {
-namespace {
-
-class Locked {
-public:
-    explicit Locked(CRITICAL_SECTION& lock) : lock_(lock) { EnterCriticalSection(&lock_); }
-    ~Locked() { LeaveCriticalSection(&lock_); }
-    Locked(const Locked&) = delete;
-    Locked& operator=(const Locked&) = delete;
-
-private:
-    CRITICAL_SECTION& lock_;
-};
-
-}  // namespace
 
 BusyAnimation::~BusyAnimation() {
     if (thread_) {
@@ -26,7 +12,6 @@ BusyAnimation::~BusyAnimation() {
     }
     if (drawEvent_) CloseHandle(drawEvent_);
     if (stopEvent_) CloseHandle(stopEvent_);
-    if (lockReady_) DeleteCriticalSection(&lock_);
 }
 
 bool BusyAnimation::Create(HWND view, HINSTANCE instance) {
@@ -41,8 +26,6 @@ bool BusyAnimation::Create(HWND view, HINSTANCE instance) {
     }
     if (frameCount_ <= 0 || !background_ || !offscreen_) return false;
     view_ = view;
-    InitializeCriticalSection(&lock_);
-    lockReady_ = true;
     drawEvent_ = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     stopEvent_ = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     if (!drawEvent_ || !stopEvent_) return false;
@@ -54,7 +37,7 @@ bool BusyAnimation::Create(HWND view, HINSTANCE instance) {
 
 void BusyAnimation::Start(POINT centre) {
     if (!thread_) return;
-    Locked hold(lock_);
+    std::lock_guard<std::mutex> hold(lock_);
     centre_ = centre;
     if (paused_) {
         saveBackground_ = true;
@@ -66,14 +49,13 @@ void BusyAnimation::Start(POINT centre) {
 
 void BusyAnimation::Pause() {
     if (!thread_) return;
-    Locked hold(lock_);
+    std::lock_guard<std::mutex> hold(lock_);
     if (!paused_) ResetEvent(drawEvent_);
     paused_ = true;
 }
 
 bool BusyAnimation::paused() const {
-    if (!lockReady_) return true;
-    Locked hold(lock_);
+    std::lock_guard<std::mutex> hold(lock_);
     return paused_;
 }
 
@@ -91,7 +73,7 @@ DWORD WINAPI BusyAnimation::ThreadMain(void* param) {
 
 void BusyAnimation::DrawFrame() {
     if (!IsWindowVisible(view_)) return;
-    Locked hold(lock_);
+    std::lock_guard<std::mutex> hold(lock_);
     if (paused_) return;  // paused between the wait and here
     const int left = centre_.x - kFrameSize / 2, top = centre_.y - kFrameSize / 2;
     WindowDc screen(view_);

@@ -10,6 +10,8 @@
 
 #include <windows.h>
 
+#include <mutex>
+
 #include "GdiObjects.h"
 #include "ImageStrip.h"
 
@@ -50,8 +52,7 @@ private:
     HANDLE stopEvent_ = nullptr;
     HANDLE thread_ = nullptr;
     // Guards the fields below, which Start and Pause change while the thread draws.
-    mutable CRITICAL_SECTION lock_{};
-    bool lockReady_ = false;
+    mutable std::mutex lock_;
     POINT centre_{};
     int frame_ = 0;
     bool saveBackground_ = true;

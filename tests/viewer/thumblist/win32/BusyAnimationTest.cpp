@@ -2,13 +2,15 @@
 // keeps the background under them, stops drawing when paused, and ends its thread and frees
 // its objects when destroyed.
 #include <windows.h>
-#include <tlhelp32.h>
 
 #include <gtest/gtest.h>
 
 #include "BusyAnimation.h"
+#include "ThreadTestHelpers.h"
 
 using namespace lx;
+using lxtest::PumpFor;
+using lxtest::ThreadsOfThisProcess;
 
 namespace {
 
@@ -22,25 +24,6 @@ LRESULT CALLBACK GreyProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
         return 1;
     }
     return DefWindowProcW(hwnd, message, wParam, lParam);
-}
-
-void PumpFor(DWORD milliseconds) {
-    const DWORD end = GetTickCount() + milliseconds;
-    while (static_cast<int>(end - GetTickCount()) > 0) {
-        MSG msg;
-        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&msg);
-        Sleep(10);
-    }
-}
-
-int ThreadsOfThisProcess() {
-    HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-    THREADENTRY32 entry{sizeof(entry)};
-    int count = 0;
-    for (BOOL ok = Thread32First(snapshot, &entry); ok; ok = Thread32Next(snapshot, &entry))
-        count += entry.th32OwnerProcessID == GetCurrentProcessId();
-    CloseHandle(snapshot);
-    return count;
 }
 
 // The 48 x 48 square around `centre` as read from the window: 0xRRGGBB values.

@@ -4,7 +4,6 @@
 // (read back through WM_PRINTCLIENT) and resources over many List/Clear cycles.
 #include <windows.h>
 #include <psapi.h>
-#include <tlhelp32.h>
 
 #include <gtest/gtest.h>
 
@@ -13,10 +12,13 @@
 
 #include "ImageCodecs.h"
 #include "TestFiles.h"
+#include "ThreadTestHelpers.h"
 #include "ThumbnailLayout.h"
 #include "ThumbnailListView.h"
 
 using namespace lx;
+using lxtest::Pump;
+using lxtest::ThreadsOfThisProcess;
 
 namespace {
 
@@ -41,14 +43,6 @@ LRESULT CALLBACK SeePosted(int code, WPARAM removed, LPARAM lParam) {
     return CallNextHookEx(nullptr, code, removed, lParam);
 }
 
-void Pump() {
-    MSG msg;
-    while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
-        TranslateMessage(&msg);
-        DispatchMessageW(&msg);
-    }
-}
-
 // Runs the message loop until `thread` has ended, then empties the queue.
 void PumpUntilEnded(HANDLE thread) {
     while (thread && MsgWaitForMultipleObjects(1, &thread, FALSE, 20000, QS_ALLINPUT) == WAIT_OBJECT_0 + 1) Pump();
@@ -69,16 +63,6 @@ std::vector<int> Range(int from, int to) {
     std::vector<int> v;
     for (int i = from; i < to; ++i) v.push_back(i);
     return v;
-}
-
-int ThreadsOfThisProcess() {
-    HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-    THREADENTRY32 entry{sizeof(entry)};
-    int count = 0;
-    for (BOOL ok = Thread32First(snapshot, &entry); ok; ok = Thread32Next(snapshot, &entry))
-        count += entry.th32OwnerProcessID == GetCurrentProcessId();
-    CloseHandle(snapshot);
-    return count;
 }
 
 class ThumbnailListViewTest : public ::testing::Test {

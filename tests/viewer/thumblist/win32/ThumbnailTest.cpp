@@ -96,18 +96,27 @@ protected:
         record.quality = 95;
         return EncodeJpeg(dib, record);
     }
+    // A grey 400 x 300 photograph embedding a red-and-blue thumbnail of the given size.
+    std::wstring Camera(const std::string& name, int thumbWidth, int thumbHeight, uint16_t orientation) {
+        const auto thumb = Jpeg(Filled(thumbWidth, thumbHeight, 0xff0000, 0x0000ff));
+        return Write(name, WithExifThumbnail(Jpeg(Filled(400, 300, 0x808080, 0x808080)), thumb, orientation));
+    }
+    // The thumbnail's pixels (the bitmap freed again); width 0 when none was made.
+    static Pixels ThumbnailOf(const std::wstring& path) {
+        HBITMAP bitmap = MakeThumbnail(path);
+        if (!bitmap) return {};
+        Pixels px = Read(bitmap);
+        DeleteObject(bitmap);
+        return px;
+    }
     lxtest::ScratchDir dir_{"thumbnail-win"};
 };
 
 }  // namespace
 
 TEST_F(ThumbnailTest, APlainJpegIsDecodedWholeAndReducedTo24Bits) {
-    const std::wstring path = Write("plain.jpg", Jpeg(Filled(400, 300, 0x00c000, 0xffff00)));
-    HBITMAP bitmap = MakeThumbnail(path);
-    ASSERT_NE(bitmap, nullptr);
-    const Pixels px = Read(bitmap);
-    DeleteObject(bitmap);
-    EXPECT_EQ(px.width, 72);
+    const Pixels px = ThumbnailOf(Write("plain.jpg", Jpeg(Filled(400, 300, 0x00c000, 0xffff00))));
+    ASSERT_EQ(px.width, 72);
     EXPECT_EQ(px.height, 54);
     EXPECT_EQ(px.depth, 24);
     EXPECT_TRUE(Near(px.at(10, 27), 0x00c000)) << std::hex << px.at(10, 27);
@@ -116,27 +125,17 @@ TEST_F(ThumbnailTest, APlainJpegIsDecodedWholeAndReducedTo24Bits) {
 
 TEST_F(ThumbnailTest, TheExifThumbnailServesTurnedUprightByTheFilesOrientation) {
     // The main picture is grey, the embedded one red and blue: the colours tell which served.
-    const auto thumb = Jpeg(Filled(160, 120, 0xff0000, 0x0000ff));
-    const std::wstring path = Write("camera.jpg", WithExifThumbnail(Jpeg(Filled(400, 300, 0x808080, 0x808080)), thumb, 6));
-    HBITMAP bitmap = MakeThumbnail(path);
-    ASSERT_NE(bitmap, nullptr);
-    const Pixels px = Read(bitmap);
-    DeleteObject(bitmap);
+    const Pixels px = ThumbnailOf(Camera("camera.jpg", 160, 120, 6));
     // 160 x 120 turned a quarter clockwise is 120 x 160: the red left half comes on top.
-    EXPECT_EQ(px.width, 54);
+    ASSERT_EQ(px.width, 54);
     EXPECT_EQ(px.height, 72);
     EXPECT_TRUE(Near(px.at(27, 8), 0xff0000)) << std::hex << px.at(27, 8);
     EXPECT_TRUE(Near(px.at(27, 64), 0x0000ff)) << std::hex << px.at(27, 64);
 }
 
 TEST_F(ThumbnailTest, ASmallExifThumbnailIsPassedOverForTheWholePicture) {
-    const auto thumb = Jpeg(Filled(64, 48, 0xff0000, 0x0000ff));
-    const std::wstring path = Write("small.jpg", WithExifThumbnail(Jpeg(Filled(400, 300, 0x808080, 0x808080)), thumb, 1));
-    HBITMAP bitmap = MakeThumbnail(path);
-    ASSERT_NE(bitmap, nullptr);
-    const Pixels px = Read(bitmap);
-    DeleteObject(bitmap);
-    EXPECT_EQ(px.width, 72);
+    const Pixels px = ThumbnailOf(Camera("small.jpg", 64, 48, 1));
+    ASSERT_EQ(px.width, 72);
     EXPECT_EQ(px.height, 54);
     EXPECT_TRUE(Near(px.at(10, 27), 0x808080, 8)) << std::hex << px.at(10, 27);
 }
