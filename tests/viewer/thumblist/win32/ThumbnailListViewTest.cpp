@@ -316,3 +316,36 @@ TEST_F(ThumbnailListViewTest, DrawsTheSelectionBoxThumbnailGreyBoxAndShadow) {
     DeleteObject(shot);
     DeleteDC(dc);
 }
+
+TEST_F(ThumbnailListViewTest, TheWheelScrollsOneCellPerNotchAndTheDragImageIsNotYetSupplied) {
+    Images(100);
+    ListAndWait(dir_.path().wstring());
+    ASSERT_TRUE(GetWindowLongW(list_->hwnd(), GWL_STYLE) & WS_VSCROLL);
+    // Where the first item is in client coordinates tells how far the view has scrolled.
+    auto firstTop = [&] {
+        RECT rc{};
+        ListView_GetItemRect(list_->hwnd(), 0, &rc, LVIR_BOUNDS);
+        return static_cast<int>(rc.top);
+    };
+    const int top = firstTop();
+    const int cell = list_->ItemSize().cy;
+    SendMessageW(list_->hwnd(), WM_MOUSEWHEEL, MAKEWPARAM(0, -2 * WHEEL_DELTA), MAKELPARAM(100, 100));
+    EXPECT_EQ(firstTop(), top - 2 * cell);
+    SendMessageW(list_->hwnd(), WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), MAKELPARAM(100, 100));
+    EXPECT_EQ(firstTop(), top - cell);
+    EXPECT_EQ(SendMessageW(list_->hwnd(), RegisterWindowMessageW(L"ShellGetDragImage"), 0, 0), 0);
+}
+
+TEST_F(ThumbnailListViewTest, DestroyingTheWindowWhileThumbnailsAreMadeEndsTheThreadAndFreesTheItems) {
+    Images(100, 800, 600);
+    list_->List(Path("img0.bmp"));
+    while (g_loaded.empty() && MsgWaitForMultipleObjects(0, nullptr, FALSE, 20000, QS_ALLINPUT) == WAIT_OBJECT_0) Pump();
+    HANDLE copy = nullptr;
+    ASSERT_TRUE(DuplicateHandle(GetCurrentProcess(), list_->ListingThread(), GetCurrentProcess(), &copy, SYNCHRONIZE,
+                                FALSE, 0));
+    DestroyWindow(list_->hwnd());
+    EXPECT_EQ(WaitForSingleObject(copy, 0), static_cast<DWORD>(WAIT_OBJECT_0));
+    CloseHandle(copy);
+    EXPECT_EQ(list_->Count(), 0);
+    EXPECT_EQ(list_->hwnd(), nullptr);
+}
