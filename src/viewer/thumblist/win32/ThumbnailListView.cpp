@@ -119,7 +119,9 @@ void CThumbnaiListView::SetUpCells() {
         ImageList_AddMasked(cellImages_.get(), blank.get(), 0xFF00FF);
     }
     ListView_SetImageList(hwnd_, cellImages_.get(), LVSIL_NORMAL);
-    ListView_SetIconSpacing(hwnd_, kCellWidth, height);
+    // The spacing runs from one icon's top to the next one's and must leave room for the
+    // label as well: with the icon's own height the text line would overlap the next row.
+    ListView_SetIconSpacing(hwnd_, kCellWidth, kCellHeight);
 }
 
 LRESULT CALLBACK CThumbnaiListView::SubclassProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
