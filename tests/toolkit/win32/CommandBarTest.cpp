@@ -701,7 +701,7 @@ TEST_F(CommandBarTest, ManyFramesLeaveNoMenusImagesOrMemoryBehind) {
         PROCESS_MEMORY_COUNTERS_EX counters{sizeof(counters)};
         GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
                              sizeof(counters));
-        return static_cast<long long>(counters.PrivateUsage);
+        return static_cast<long long>(counters.PagefileUsage);  // the committed private bytes
     };
     // Handles are checked at once: a later frame may be given the same values again.
     int leftOver = 0;
