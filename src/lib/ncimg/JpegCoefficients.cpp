@@ -7,32 +7,35 @@
 
 namespace lx {
 
-SourceRows::SourceRows(const PackedDib& dib) : dib_(dib), scratch_(static_cast<size_t>(dib.width()) * 3) {
+SourceRows::SourceRows(const PackedDib& dib) : dib_(dib) {
+    for (auto& row : scratch_) row.resize(static_cast<size_t>(dib.width()) * 3);
     greyOf_.fill(0);
     const auto palette = dib.palette();
     for (size_t i = 0; i < palette.size() && i < greyOf_.size(); ++i) greyOf_[i] = palette[i].r;
 }
 
-const uint8_t* SourceRows::colour(int y, int& pixelBytes) {
+const uint8_t* SourceRows::colour(int y, int& pixelBytes, int slot) {
     if (dib_.bitCount() == 24 || (dib_.bitCount() == 32 && dib_.compression() == kBiRgb)) {
         pixelBytes = dib_.bitCount() / 8;
         return dib_.row(y);
     }
     pixelBytes = 3;
+    std::vector<uint8_t>& scratch = scratch_[slot];
     for (int x = 0; x < dib_.width(); ++x) {
         const uint32_t p = dib_.pixel(x, y);
-        scratch_[3 * x] = static_cast<uint8_t>(p);
-        scratch_[3 * x + 1] = static_cast<uint8_t>(p >> 8);
-        scratch_[3 * x + 2] = static_cast<uint8_t>(p >> 16);
+        scratch[3 * x] = static_cast<uint8_t>(p);
+        scratch[3 * x + 1] = static_cast<uint8_t>(p >> 8);
+        scratch[3 * x + 2] = static_cast<uint8_t>(p >> 16);
     }
-    return scratch_.data();
+    return scratch.data();
 }
 
 const uint8_t* SourceRows::grey(int y) {
     const uint8_t* row = dib_.row(y);
+    std::vector<uint8_t>& scratch = scratch_[0];
     for (int x = 0; x < dib_.width(); ++x)
-        scratch_[x] = dib_.bitCount() == 8 ? greyOf_[row[x]] : static_cast<uint8_t>(dib_.pixel(x, y));
-    return scratch_.data();
+        scratch[x] = dib_.bitCount() == 8 ? greyOf_[row[x]] : static_cast<uint8_t>(dib_.pixel(x, y));
+    return scratch.data();
 }
 
 JpegFrame PlanFrame(int width, int height, bool grey, bool wholeImage) {
@@ -74,6 +77,7 @@ CoefficientMaker::CoefficientMaker(const PackedDib& dib, JpegFrame& frame, const
 void CoefficientMaker::make(int mcuRow) {
     if (frame_.heldMcuRows == 1)
         for (JpegComponent& comp : frame_.components) comp.firstBlockRow = mcuRow * comp.vSampling;
+    if (frame_.components.size() == 3 && smoothing_ == 0) return makeSubsampled(mcuRow);
     readRows(mcuRow);
     JpegComponent& full = frame_.components[0];
     const uint8_t* luma = plane(0, 0);
@@ -85,18 +89,35 @@ void CoefficientMaker::make(int mcuRow) {
     transform(full, mcuRow, luma, width_);
     if (frame_.components.size() == 1) return;
 
+    // Smoothed colour: the chroma planes are smoothed and halved in one step.
     const int half = width_ / 2;
     for (int c = 1; c < 3; ++c) {
-        for (int r = 0; r < 8; ++r) {
-            uint8_t* out = work_.data() + r * half;
-            if (smoothing_ > 0)
-                SmoothDownsampleRow(plane(c, 2 * r - 1), plane(c, 2 * r), plane(c, 2 * r + 1), plane(c, 2 * r + 2),
-                                    half, smoothing_, out);
-            else
-                DownsampleRow(plane(c, 2 * r), plane(c, 2 * r + 1), half, out);
-        }
+        for (int r = 0; r < 8; ++r)
+            SmoothDownsampleRow(plane(c, 2 * r - 1), plane(c, 2 * r), plane(c, 2 * r + 1), plane(c, 2 * r + 2), half,
+                                smoothing_, work_.data() + r * half);
         transform(frame_.components[c], mcuRow, work_.data(), half);
     }
+    fillPaddingBlocks(full, mcuRow);
+}
+
+void CoefficientMaker::makeSubsampled(int mcuRow) {
+    const int half = width_ / 2;
+    uint8_t* cb = work_.data();
+    uint8_t* cr = work_.data() + static_cast<size_t>(8) * half;
+    for (int r = 0; r < 8; ++r) {
+        // Rows past the picture's bottom repeat the last row.
+        const int top = std::min(mcuRow * rows_ + 2 * r, frame_.height - 1);
+        const int bottom = std::min(top + 1, frame_.height - 1);
+        int pixelBytes = 3;
+        const uint8_t* topRow = source_.colour(top, pixelBytes, 0);
+        const uint8_t* bottomRow = source_.colour(bottom, pixelBytes, 1);
+        ConvertRowPairTo420(topRow, bottomRow, pixelBytes, frame_.width, width_, plane(0, 2 * r), plane(0, 2 * r + 1),
+                            cb + r * half, cr + r * half);
+    }
+    JpegComponent& full = frame_.components[0];
+    transform(full, mcuRow, plane(0, 0), width_);
+    transform(frame_.components[1], mcuRow, cb, half);
+    transform(frame_.components[2], mcuRow, cr, half);
     fillPaddingBlocks(full, mcuRow);
 }
 

@@ -27,14 +27,16 @@ class SourceRows {
 public:
     explicit SourceRows(const PackedDib& dib);
 
-    const uint8_t* colour(int y, int& pixelBytes);
+    // Rows that need converting land in one of two scratch rows (`slot` 0 or 1), so two
+    // rows can be held at once.
+    const uint8_t* colour(int y, int& pixelBytes, int slot = 0);
 
     // Only for grey-palette images, where every colour's red equals its grey level.
     const uint8_t* grey(int y);
 
 private:
     const PackedDib& dib_;
-    std::vector<uint8_t> scratch_;
+    std::vector<uint8_t> scratch_[2];
     std::array<uint8_t, 256> greyOf_;
 };
 
@@ -53,6 +55,10 @@ private:
     uint8_t* plane(int c, int r);
 
     void readRows(int mcuRow);
+
+    // Colour without smoothing: luma rows and half-size chroma rows straight from pairs of
+    // source rows, then all three transformed.
+    void makeSubsampled(int mcuRow);
 
     void transform(JpegComponent& comp, int mcuRow, const uint8_t* samples, int stride);
 

@@ -1,6 +1,8 @@
 #include "JpegSampling.h"
 
 #include <algorithm>
+#include <cstring>
+#include <utility>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -20,6 +22,8 @@ constexpr int32_t kCrR = 8192, kCrG = -6860, kCrB = -1332;
 constexpr int32_t kYOffset = 1 << (kShift - 1);
 // The chroma sums stop one short of a half so that the largest value stays 255.
 constexpr int32_t kChromaOffset = (128 << kShift) + (1 << (kShift - 1)) - 1;
+// The same for the sum of the four pixels of a 2x2 square, two more bits to shift out.
+constexpr int32_t kSquareChromaOffset = (128 << (kShift + 2)) + (1 << (kShift + 1)) - 1;
 // Smoothing weights are 16.16 fractions.
 constexpr int32_t kHalf = 1 << 15;
 
@@ -47,23 +51,116 @@ inline __m128i Component(__m128i br, __m128i gx, __m128i brWeights, __m128i gWei
     return _mm_srai_epi32(_mm_add_epi32(sum, offset), kShift);
 }
 
+template <int kPixelBytes>
+inline __m128i LoadFour(const uint8_t* p) {
+    if constexpr (kPixelBytes == 3)
+        return FourPixels3(p);
+    else
+        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+}
+
+// One component's weights as the vector path multiplies them: blue and red as a 16-bit
+// pair, green beside a zero for the byte next to it.
+struct Weights {
+    __m128i br, g, offset;
+};
+inline Weights MakeWeights(int32_t wb, int32_t wr, int32_t wg, int32_t offset) {
+    return {_mm_set1_epi32(static_cast<int32_t>((static_cast<uint32_t>(wr) << 16) | (wb & 0xffff))),
+            _mm_set1_epi32(wg & 0xffff), _mm_set1_epi32(offset)};
+}
+
+// Four pixels as blue-red pairs and green, 16 bits each.
+inline void SplitPixels(__m128i v, __m128i& br, __m128i& gx) {
+    const __m128i bytes = _mm_set1_epi32(0x00ff00ff);
+    br = _mm_and_si128(v, bytes);
+    gx = _mm_and_si128(_mm_srli_epi32(v, 8), bytes);
+}
+
+// Stores eight results (two groups of four lanes) as bytes.
+inline void StoreEight(uint8_t* out, __m128i lo, __m128i hi) {
+    const __m128i words = _mm_packs_epi32(lo, hi);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(words, words));
+}
+
 // Converts eight pixels given as two groups of four 32-bit lanes.
 inline void ConvertEight(__m128i lo, __m128i hi, uint8_t* y, uint8_t* cb, uint8_t* cr) {
-    const __m128i bytes = _mm_set1_epi32(0x00ff00ff);
-    const __m128i brLo = _mm_and_si128(lo, bytes), gxLo = _mm_and_si128(_mm_srli_epi32(lo, 8), bytes);
-    const __m128i brHi = _mm_and_si128(hi, bytes), gxHi = _mm_and_si128(_mm_srli_epi32(hi, 8), bytes);
-    auto store = [&](uint8_t* out, int32_t wb, int32_t wr, int32_t wg, int32_t offset) {
-        const __m128i brWeights = _mm_set1_epi32(static_cast<int32_t>((static_cast<uint32_t>(wr) << 16) | (wb & 0xffff)));
-        const __m128i gWeight = _mm_set1_epi32(wg & 0xffff), off = _mm_set1_epi32(offset);
-        const __m128i words = _mm_packs_epi32(Component(brLo, gxLo, brWeights, gWeight, off),
-                                              Component(brHi, gxHi, brWeights, gWeight, off));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(words, words));
-    };
-    store(y, kYb, kYr, kYg, kYOffset);
-    store(cb, kCbB, kCbR, kCbG, kChromaOffset);
-    store(cr, kCrB, kCrR, kCrG, kChromaOffset);
+    __m128i brLo, gxLo, brHi, gxHi;
+    SplitPixels(lo, brLo, gxLo);
+    SplitPixels(hi, brHi, gxHi);
+    for (const auto& [out, w] : {std::pair{y, MakeWeights(kYb, kYr, kYg, kYOffset)},
+                                 std::pair{cb, MakeWeights(kCbB, kCbR, kCbG, kChromaOffset)},
+                                 std::pair{cr, MakeWeights(kCrB, kCrR, kCrG, kChromaOffset)}})
+        StoreEight(out, Component(brLo, gxLo, w.br, w.g, w.offset), Component(brHi, gxHi, w.br, w.g, w.offset));
+}
+
+// Lanes 0 and 1: the sums of pixels 0 and 1, and of pixels 2 and 3.
+inline __m128i PairSums(__m128i x) {
+    return _mm_add_epi32(_mm_shuffle_epi32(x, _MM_SHUFFLE(2, 0, 2, 0)), _mm_shuffle_epi32(x, _MM_SHUFFLE(3, 1, 3, 1)));
+}
+
+// Eight pixels of two rows: luma of each, chroma of the four 2x2 squares from their sums
+// (each channel summed over a square stays below 1024, so the pairs never carry).
+inline void ConvertSquares(const __m128i (&top)[2], const __m128i (&bottom)[2], uint8_t* yTop, uint8_t* yBottom,
+                           uint8_t* cb, uint8_t* cr) {
+    __m128i br[2][2], gx[2][2];
+    for (int h = 0; h < 2; ++h) {
+        SplitPixels(top[h], br[0][h], gx[0][h]);
+        SplitPixels(bottom[h], br[1][h], gx[1][h]);
+    }
+    const Weights luma = MakeWeights(kYb, kYr, kYg, kYOffset);
+    for (int row = 0; row < 2; ++row)
+        StoreEight(row == 0 ? yTop : yBottom, Component(br[row][0], gx[row][0], luma.br, luma.g, luma.offset),
+                   Component(br[row][1], gx[row][1], luma.br, luma.g, luma.offset));
+    const __m128i brSquares = _mm_unpacklo_epi64(PairSums(_mm_add_epi32(br[0][0], br[1][0])),
+                                                 PairSums(_mm_add_epi32(br[0][1], br[1][1])));
+    const __m128i gxSquares = _mm_unpacklo_epi64(PairSums(_mm_add_epi32(gx[0][0], gx[1][0])),
+                                                 PairSums(_mm_add_epi32(gx[0][1], gx[1][1])));
+    for (const auto& [out, w] : {std::pair{cb, MakeWeights(kCbB, kCbR, kCbG, kSquareChromaOffset)},
+                                 std::pair{cr, MakeWeights(kCrB, kCrR, kCrG, kSquareChromaOffset)}}) {
+        const __m128i sum = _mm_add_epi32(_mm_madd_epi16(brSquares, w.br), _mm_madd_epi16(gxSquares, w.g));
+        const __m128i value = _mm_srai_epi32(_mm_add_epi32(sum, w.offset), kShift + 2);
+        const __m128i words = _mm_packs_epi32(value, value);
+        const int32_t four = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
+        std::memcpy(out, &four, 4);
+    }
 }
 #endif
+
+inline uint8_t LumaOf(const uint8_t* p) {
+    return static_cast<uint8_t>((kYr * p[2] + kYg * p[1] + kYb * p[0] + kYOffset) >> kShift);
+}
+
+inline void ConvertSquare(const uint8_t* a, const uint8_t* b, const uint8_t* c, const uint8_t* d, uint8_t* cb,
+                          uint8_t* cr) {
+    const int32_t blue = a[0] + b[0] + c[0] + d[0], green = a[1] + b[1] + c[1] + d[1], red = a[2] + b[2] + c[2] + d[2];
+    *cb = static_cast<uint8_t>((kCbR * red + kCbG * green + kCbB * blue + kSquareChromaOffset) >> (kShift + 2));
+    *cr = static_cast<uint8_t>((kCrR * red + kCrG * green + kCrB * blue + kSquareChromaOffset) >> (kShift + 2));
+}
+
+template <int kPixelBytes>
+void ConvertPixelPairs(const uint8_t* top, const uint8_t* bottom, int width, uint8_t* yTop, uint8_t* yBottom,
+                       uint8_t* cb, uint8_t* cr) {
+    int x = 0;
+#if defined(__SSE2__)
+    constexpr int kReadBeyond = kPixelBytes == 3 ? 2 : 0;
+    for (; x + 8 + kReadBeyond <= width; x += 8) {
+        const size_t at = static_cast<size_t>(x) * kPixelBytes;
+        const __m128i t[2] = {LoadFour<kPixelBytes>(top + at), LoadFour<kPixelBytes>(top + at + 4 * kPixelBytes)};
+        const __m128i b[2] = {LoadFour<kPixelBytes>(bottom + at), LoadFour<kPixelBytes>(bottom + at + 4 * kPixelBytes)};
+        ConvertSquares(t, b, yTop + x, yBottom + x, cb + x / 2, cr + x / 2);
+    }
+#endif
+    for (int i = x; i < width; ++i) {
+        yTop[i] = LumaOf(top + static_cast<size_t>(i) * kPixelBytes);
+        yBottom[i] = LumaOf(bottom + static_cast<size_t>(i) * kPixelBytes);
+    }
+    // An odd last column makes a square with itself.
+    for (int i = x; i < width; i += 2) {
+        const size_t left = static_cast<size_t>(i) * kPixelBytes;
+        const size_t right = static_cast<size_t>(std::min(i + 1, width - 1)) * kPixelBytes;
+        ConvertSquare(top + left, top + right, bottom + left, bottom + right, cb + i / 2, cr + i / 2);
+    }
+}
 
 template <int kPixelBytes>
 void ConvertPixels(const uint8_t* bgr, int width, uint8_t* y, uint8_t* cb, uint8_t* cr) {
@@ -74,11 +171,7 @@ void ConvertPixels(const uint8_t* bgr, int width, uint8_t* y, uint8_t* cb, uint8
     constexpr int kReadBeyond = kPixelBytes == 3 ? 2 : 0;
     for (; x + 8 + kReadBeyond <= width; x += 8) {
         const uint8_t* p = bgr + static_cast<size_t>(x) * kPixelBytes;
-        if constexpr (kPixelBytes == 3)
-            ConvertEight(FourPixels3(p), FourPixels3(p + 12), y + x, cb + x, cr + x);
-        else
-            ConvertEight(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)),
-                         _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16)), y + x, cb + x, cr + x);
+        ConvertEight(LoadFour<kPixelBytes>(p), LoadFour<kPixelBytes>(p + 4 * kPixelBytes), y + x, cb + x, cr + x);
     }
 #endif
     for (; x < width; ++x) ConvertPixel(bgr + static_cast<size_t>(x) * kPixelBytes, y + x, cb + x, cr + x);
@@ -97,6 +190,19 @@ void ConvertRowToYcc(const uint8_t* bgr, int pixelBytes, int width, int paddedWi
     std::fill(cr + width, cr + paddedWidth, cr[width - 1]);
 }
 
+void ConvertRowPairTo420(const uint8_t* top, const uint8_t* bottom, int pixelBytes, int width, int paddedWidth,
+                         uint8_t* yTop, uint8_t* yBottom, uint8_t* cb, uint8_t* cr) {
+    if (pixelBytes == 4)
+        ConvertPixelPairs<4>(top, bottom, width, yTop, yBottom, cb, cr);
+    else
+        ConvertPixelPairs<3>(top, bottom, width, yTop, yBottom, cb, cr);
+    std::fill(yTop + width, yTop + paddedWidth, yTop[width - 1]);
+    std::fill(yBottom + width, yBottom + paddedWidth, yBottom[width - 1]);
+    const int halfWidth = (width + 1) / 2;
+    std::fill(cb + halfWidth, cb + paddedWidth / 2, cb[halfWidth - 1]);
+    std::fill(cr + halfWidth, cr + paddedWidth / 2, cr[halfWidth - 1]);
+}
+
 void SmoothRow(const uint8_t* above, const uint8_t* row, const uint8_t* below, int width,
                int smoothing, uint8_t* out) {
     const int32_t own = 65536 - smoothing * 512;  // (1 - 8 SF) in 16.16
@@ -107,12 +213,6 @@ void SmoothRow(const uint8_t* above, const uint8_t* row, const uint8_t* below, i
         const int32_t ring = column(left) + column(x) + column(right) - row[x];
         out[x] = static_cast<uint8_t>((row[x] * own + ring * neighbour + kHalf) >> 16);
     }
-}
-
-void DownsampleRow(const uint8_t* top, const uint8_t* bottom, int outWidth, uint8_t* out) {
-    // The rounding bias alternates between 1 and 2 so that halves don't all round one way.
-    for (int x = 0; x < outWidth; ++x)
-        out[x] = static_cast<uint8_t>((top[2 * x] + top[2 * x + 1] + bottom[2 * x] + bottom[2 * x + 1] + 1 + (x & 1)) >> 2);
 }
 
 void SmoothDownsampleRow(const uint8_t* above, const uint8_t* top, const uint8_t* bottom,
