@@ -729,5 +729,5 @@ TEST_F(CommandBarTest, ManyFramesLeaveNoMenusImagesOrMemoryBehind) {
     for (int i = 0; i < 300; ++i) cycle(i);
     const long long growth = privateBytes() - before;
     EXPECT_EQ(leftOver, 0);
-    EXPECT_LT(growth, 2 * 1024 * 1024) << "bytes kept over 300 frames";
+    EXPECT_LT(growth, 512 * 1024) << "bytes kept over 300 frames";  // a strip bitmap leaked per frame keeps 1.2 MB
 }
