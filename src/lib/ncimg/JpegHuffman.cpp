@@ -1,6 +1,7 @@
 #include "JpegHuffman.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace lx {
 
@@ -93,19 +94,25 @@ void BitStream::append(const BitStream& other) {
 }
 
 void BitStream::appendStuffed(std::vector<uint8_t>& out) const {
-    out.reserve(out.size() + words_.size() * 8 + words_.size() / 64 + 16);
-    auto pushByte = [&out](uint8_t b) {
-        out.push_back(b);
-        if (b == 0xff) out.push_back(0);
+    // Room for the worst case (every byte stuffed), written through a pointer and cut
+    // back to what was used: this runs on one thread over the whole scan.
+    const size_t start = out.size();
+    out.resize(start + words_.size() * 16 + 16);
+    uint8_t* p = out.data() + start;
+    auto putByte = [&p](uint8_t b) {
+        *p++ = b;
+        if (b == 0xff) *p++ = 0;
     };
     for (uint64_t w : words_) {
-        // A word without any 0xFF byte needs no stuffing and goes out whole.
+        // A word without any 0xFF byte needs no stuffing and goes out whole, first byte first.
         const uint64_t inverted = ~w;
         const bool hasFf = ((inverted - 0x0101010101010101ull) & ~inverted & 0x8080808080808080ull) != 0;
         if (!hasFf) {
-            for (int shift = 56; shift >= 0; shift -= 8) out.push_back(static_cast<uint8_t>(w >> shift));
+            const uint64_t bigEndian = __builtin_bswap64(w);
+            std::memcpy(p, &bigEndian, 8);
+            p += 8;
         } else {
-            for (int shift = 56; shift >= 0; shift -= 8) pushByte(static_cast<uint8_t>(w >> shift));
+            for (int shift = 56; shift >= 0; shift -= 8) putByte(static_cast<uint8_t>(w >> shift));
         }
     }
     const int tail = 64 - free_;
@@ -113,8 +120,9 @@ void BitStream::appendStuffed(std::vector<uint8_t>& out) const {
         // Pad the last byte with one-bits.
         const int padded = (tail + 7) / 8 * 8;
         const uint64_t w = acc_ | (((uint64_t{1} << (padded - tail)) - 1) << (64 - padded));
-        for (int i = 0; i < padded / 8; ++i) pushByte(static_cast<uint8_t>(w >> (56 - 8 * i)));
+        for (int i = 0; i < padded / 8; ++i) putByte(static_cast<uint8_t>(w >> (56 - 8 * i)));
     }
+    out.resize(static_cast<size_t>(p - out.data()));
 }
 
 }  // namespace lx
