@@ -283,6 +283,14 @@ void CALLBACK RunScript(HWND, UINT, UINT_PTR, DWORD) {
     }
 }
 
+// Notes which item of `menu` is highlighted when it opens, then presses `key` in it.
+Step NoteHighlightThenPress(HMENU menu, int& highlight, WPARAM key) {
+    return {menu, [menu, &highlight, key](HWND popup) {
+                highlight = Highlighted(menu);
+                PostKey(popup, key);
+            }};
+}
+
 // Runs `start` (which opens a popup and returns when the menus close) under `script`.
 void RunWithScript(Script& script, const std::function<void()>& start) {
     g_script = &script;
@@ -505,10 +513,7 @@ TEST_F(CommandBarTest, AltMnemonicOpensItsMenuWithTheFirstItemSelected) {
     HMENU edit = GetSubMenu(bar.Menu(), 1);
     int highlight = -2;
     Script script;
-    script.steps.push_back({edit, [&](HWND popup) {
-                                highlight = Highlighted(edit);
-                                PostKey(popup, VK_RETURN);
-                            }});
+    script.steps.push_back(NoteHighlightThenPress(edit, highlight, VK_RETURN));
     MSG alt = KeyMessage(GetDlgItem(bar.hwnd(), CommandBar::kToolBarId), WM_SYSCHAR, L'e', 0x20000001);
     RunWithScript(script, [&] { EXPECT_TRUE(bar.PreTranslate(alt)); });
     EXPECT_TRUE(script.notes.empty()) << script.notes.front();
@@ -567,10 +572,7 @@ TEST_F(CommandBarTest, F10AndALoneAltDriveTheKeyboardMode) {
     HMENU edit = GetSubMenu(bar.Menu(), 1);
     int highlight = -2;
     Script script;
-    script.steps.push_back({edit, [&](HWND popup) {
-                                highlight = Highlighted(edit);
-                                PostKey(popup, VK_ESCAPE);
-                            }});
+    script.steps.push_back(NoteHighlightThenPress(edit, highlight, VK_ESCAPE));
     MSG enter = KeyMessage(hwnd, WM_KEYDOWN, VK_RETURN);
     RunWithScript(script, [&] { EXPECT_TRUE(bar.PreTranslate(enter)); });
     EXPECT_EQ(script.done, 1u);
