@@ -99,6 +99,7 @@ bool CommandBar::Create(HWND frame, int rebarId, HMENU menu, HINSTANCE instance,
     instance_ = instance;
     if (GetMenu(frame) != nullptr) SetMenu(frame, nullptr);
 
+    creating_ = true;
     INITCOMMONCONTROLSEX classes{sizeof(classes), ICC_BAR_CLASSES | ICC_COOL_CLASSES};
     InitCommonControlsEx(&classes);
     rebar_ = CreateWindowExW(0, REBARCLASSNAMEW, nullptr,
@@ -106,12 +107,16 @@ bool CommandBar::Create(HWND frame, int rebarId, HMENU menu, HINSTANCE instance,
                                  RBS_BANDBORDERS | RBS_AUTOSIZE | CCS_NODIVIDER | CCS_TOP,
                              0, 0, 0, 0, frame, reinterpret_cast<HMENU>(static_cast<INT_PTR>(rebarId)),
                              GetModuleHandleW(nullptr), nullptr);
-    if (!rebar_) return false;
+    if (!rebar_) {
+        creating_ = false;
+        return false;
+    }
     REBARINFO info{sizeof(info)};
     SendMessageW(rebar_, RB_SETBARINFO, 0, reinterpret_cast<LPARAM>(&info));
 
     const bool made = (menuImagesId == 0 || images_.Load(instance, menuImagesId, kTransparent)) &&
                       CreateMenuBar() && (toolBarId == 0 || CreateToolBar(toolBarId));
+    creating_ = false;
     if (!made) {
         if (rebar_) DestroyWindow(rebar_);
         rebar_ = menuBar_ = toolBar_ = nullptr;
@@ -232,6 +237,15 @@ bool CommandBar::BelongsToFrame(HWND hwnd) const {
 }
 
 bool CommandBar::HandleNotify(NMHDR* header, LRESULT& result) {
+    if (header->code == RBN_HEIGHTCHANGE && rebar_ && header->hwndFrom == rebar_) {
+        // The frame's layout depends on the bar's height: lay it out again as for a resize.
+        // While the bar is being built the frame has not been laid out yet anyway.
+        RECT client{};
+        if (!creating_ && !IsIconic(frame_) && GetClientRect(frame_, &client))
+            SendMessageW(frame_, WM_SIZE, SIZE_RESTORED, MAKELPARAM(client.right, client.bottom));
+        result = 0;
+        return true;
+    }
     if (!toolBar_ || header->code != TTN_GETDISPINFOW) return false;
     if (header->hwndFrom != reinterpret_cast<HWND>(SendMessageW(toolBar_, TB_GETTOOLTIPS, 0, 0))) return false;
     auto* info = reinterpret_cast<NMTTDISPINFOW*>(header);

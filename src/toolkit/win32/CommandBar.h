@@ -61,8 +61,8 @@ public:
     // A message-loop filter: the keyboard handling of the menu bar. True when it consumed
     // the message.
     bool PreTranslate(MSG& msg);
-    // Answers the tool bar's tooltip requests. True when consumed (with `result` set); a
-    // rebar height change is not consumed, so the frame lays itself out again.
+    // Answers the tool bar's tooltip requests, and lays the frame out again (a WM_SIZE for its
+    // present size) when the rebar's height changed. True when consumed, with `result` set.
     bool HandleNotify(NMHDR* header, LRESULT& result);
 
     // Enables or checks a command on the tool bar and in the menu.
@@ -113,6 +113,7 @@ private:
     POINT lastPointer_{-1, -1};
     int keyboardHot_ = -1;
     bool altAlone_ = false;     // Alt is down and no other key came since
+    bool creating_ = false;
 };
 
 // The mnemonic of a menu text: the character after a single "&", upper-cased; 0 when none.

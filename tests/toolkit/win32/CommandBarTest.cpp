@@ -190,12 +190,14 @@ public:
         return result;
     }
     LRESULT OnSize(WPARAM, LPARAM) {
+        ++sized;
         bar.Resize();
         return 0;
     }
 
     CommandBar bar;
     bool created = false;
+    int sized = 0;
     std::vector<UINT> commands;
     std::vector<HMENU> popups;
     std::vector<UINT> notified;
@@ -417,6 +419,17 @@ TEST_F(CommandBarTest, TakesTheTopOverTheFullWidthAndReportsItsHeight) {
         EXPECT_EQ(rc.right, client.right) << width;
         EXPECT_EQ(rc.bottom - rc.top, bar.Height());
     }
+
+    // A taller band makes a taller rebar, and the frame is laid out again for it.
+    const int sizedBefore = frame.sized;
+    REBARBANDINFOW band{sizeof(band)};
+    band.fMask = RBBIM_CHILDSIZE;
+    SendMessageW(bar.hwnd(), RB_GETBANDINFOW, 1, reinterpret_cast<LPARAM>(&band));
+    band.cyMinChild += 20;
+    SendMessageW(bar.hwnd(), RB_SETBANDINFOW, 1, reinterpret_cast<LPARAM>(&band));
+    EXPECT_GE(bar.Height(), height + 20);
+    EXPECT_GT(frame.sized, sizedBefore);
+    EXPECT_EQ(RectIn(bar.hwnd()).bottom, bar.Height());
 }
 
 TEST_F(CommandBarTest, AClickDropsThePopupAndTheChosenCommandReachesTheFrame) {
