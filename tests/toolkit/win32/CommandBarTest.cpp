@@ -468,6 +468,19 @@ TEST_F(CommandBarTest, AClickDropsThePopupAndTheChosenCommandReachesTheFrame) {
     RunWithScript(escape, [&] { Click(bar.MenuBar(), 2); });
     EXPECT_EQ(escape.done, 1u);
     EXPECT_TRUE(frame.commands.empty());
+
+    // A press on the open menu's own button closes it for good.
+    frame.popups.clear();
+    Script again;
+    again.steps.push_back({file, [&](HWND) {
+                               const POINT at = ButtonCentre(bar.MenuBar(), 0);
+                               PostMessageW(bar.MenuBar(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+                           }});
+    RunWithScript(again, [&] { Click(bar.MenuBar(), 0); });
+    EXPECT_TRUE(again.notes.empty()) << again.notes.front();
+    EXPECT_EQ(frame.popups, std::vector<HMENU>{file});
+    EXPECT_TRUE(OpenPopups().empty());
+    EXPECT_TRUE(frame.commands.empty());
 }
 
 TEST_F(CommandBarTest, ThePointerAndTheArrowsMoveBetweenOpenMenus) {
