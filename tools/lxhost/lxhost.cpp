@@ -1,6 +1,6 @@
 // lxhost: a stand-in for the file manager that hosts lxpicture.dll.
 //
-//   lxhost TOOL [--path DIR] [--effect N] [--ansi] [--dll FILE] [--show N] FILE...
+//   lxhost TOOL [--path DIR] [--effect N] [--ansi] [--dll FILE] [--show N] [--snapshot BMP] FILE...
 //   lxhost TOOL --unattended OPTIONS... FILE...   (tools that offer it: see Unattended.h)
 //   lxhost exif FILE...
 //
@@ -9,6 +9,7 @@
 // "effect", calls the tool's export with the key name, and reports whether the key was
 // consumed. For the editor, the viewer and the slide show it passes the rest of its
 // arguments as the command line. --ansi calls the eight-bit export instead of the wide one.
+// --snapshot saves the screen once a frame shows a document, then closes it (Snapshot.h).
 #include <windows.h>
 #include <shlobj.h>
 #include <shlwapi.h>
@@ -22,6 +23,7 @@
 
 #include "CoreServices.h"
 #include "HostConsole.h"
+#include "Snapshot.h"
 #include "Unattended.h"
 
 namespace {
@@ -50,12 +52,13 @@ struct Options {
     bool ansi = false;
     int show = SW_SHOWNORMAL;
     std::wstring dll;
+    std::wstring snapshot;
     std::vector<std::wstring> files;
 };
 
 int Usage() {
     lxhost::Print(stderr,
-                  L"usage: lxhost TOOL [--path DIR] [--effect N] [--ansi] [--dll FILE] [--show N] FILE...\n"
+                  L"usage: lxhost TOOL [--path DIR] [--effect N] [--ansi] [--dll FILE] [--show N] [--snapshot BMP] FILE...\n"
                   L"       lxhost TOOL --unattended OPTIONS... FILE...\n"
                   L"       lxhost exif FILE...\n"
                   L"TOOL: convert split contrast rename pickout webalbum pdf editor viewer slideshow");
@@ -158,7 +161,10 @@ int RunThroughDll(const Options& options) {
     } else {
         std::wstring commandLine;
         for (const auto& f : options.files) commandLine += (commandLine.empty() ? L"" : L" ") + lx::QuoteIfBlank(f);
+        std::thread snapshot;
+        if (!options.snapshot.empty()) snapshot = lxhost::StartSnapshot(options.snapshot);
         status = CallExport(dll, options, commandLine) < 0 ? 3 : 0;
+        if (snapshot.joinable()) snapshot.join();
     }
     FreeLibrary(dll);
     return status;
@@ -187,6 +193,7 @@ int wmain(int argc, wchar_t** argv) {
         else if (arg == L"--effect" && hasValue) options.effect = static_cast<DWORD>(std::wcstoul(rest[++i].c_str(), nullptr, 10));
         else if (arg == L"--show" && hasValue) options.show = static_cast<int>(std::wcstol(rest[++i].c_str(), nullptr, 10));
         else if (arg == L"--dll" && hasValue) options.dll = rest[++i];
+        else if (arg == L"--snapshot" && hasValue) options.snapshot = rest[++i];
         else if (arg == L"--ansi") options.ansi = true;
         else if (arg == L"--") { options.files.insert(options.files.end(), rest.begin() + static_cast<long>(i) + 1, rest.end()); break; }
         else options.files.push_back(arg);

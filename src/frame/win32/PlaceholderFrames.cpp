@@ -50,7 +50,6 @@ private:
 }  // namespace
 
 std::unique_ptr<TopFrame> MakeEditorFrame() { return std::make_unique<PlainFrame>(L"LXPHOTOEDIT_FRAME", 4); }
-std::unique_ptr<TopFrame> MakeViewerFrame() { return std::make_unique<PlainFrame>(L"LXIMAGEVIEW_FRAME", 5); }
 std::unique_ptr<TopFrame> MakeSlideFrame() { return std::make_unique<PlainFrame>(L"LXSLIDESHOW_FRAME", 7); }
 
 }  // namespace lx

@@ -36,7 +36,7 @@ ArrivalZoom ChooseArrivalZoom(int imageWidth, int imageHeight, int clientWidth, 
                                                                     : ArrivalZoom::WholeImage;
 }
 
-std::wstring FileNameOf(const std::wstring& path) {
+std::wstring TitleFileName(const std::wstring& path) {
     const size_t slash = path.rfind(L'\\');
     return slash == std::wstring::npos ? path : path.substr(slash + 1);
 }

@@ -38,7 +38,7 @@ enum class ArrivalZoom { OriginalSize = 3, WholeImage = 2 };
 ArrivalZoom ChooseArrivalZoom(int imageWidth, int imageHeight, int clientWidth, int clientHeight);
 
 // The text after the last backslash, or the whole path when there is none.
-std::wstring FileNameOf(const std::wstring& path);
+std::wstring TitleFileName(const std::wstring& path);
 
 // The recent files, newest first, at most kMaxRecent; equal paths (ignoring case) appear once.
 class RecentFiles {

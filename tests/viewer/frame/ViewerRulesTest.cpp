@@ -45,9 +45,9 @@ TEST(ViewerRules, ArrivalZoomIsOriginalSizeOnlyWhenBothSidesFit) {
 }
 
 TEST(ViewerRules, FileNameIsTheTextAfterTheLastBackslash) {
-    EXPECT_EQ(FileNameOf(L"C:\\photos\\2024\\写真.jpg"), L"写真.jpg");
-    EXPECT_EQ(FileNameOf(L"plain.jpg"), L"plain.jpg");
-    EXPECT_EQ(FileNameOf(L"C:\\dir\\"), L"");
+    EXPECT_EQ(TitleFileName(L"C:\\photos\\2024\\写真.jpg"), L"写真.jpg");
+    EXPECT_EQ(TitleFileName(L"plain.jpg"), L"plain.jpg");
+    EXPECT_EQ(TitleFileName(L"C:\\dir\\"), L"");
 }
 
 TEST(ViewerRules, RecentFilesAreNewestFirstUniqueAndCapped) {

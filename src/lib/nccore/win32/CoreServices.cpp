@@ -111,6 +111,21 @@ HIMAGELIST LoadImageListStrip(HINSTANCE instance, int imageWidth, UINT bitmapId,
                                 LR_CREATEDIBSECTION);
 }
 
+namespace {
+
+constexpr COLORREF kToolBarMask = RGB(255, 0, 255);
+
+LRESULT CALLBACK DestroyImageListWithBar(HWND bar, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                         DWORD_PTR images) {
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(bar, &DestroyImageListWithBar, id);
+        ImageList_Destroy(reinterpret_cast<HIMAGELIST>(images));
+    }
+    return DefSubclassProc(bar, message, wParam, lParam);
+}
+
+}  // namespace
+
 HWND CreateToolBarFromTemplate(HWND parent, HINSTANCE bitmapInstance, UINT_PTR bitmapId, const void* data,
                                size_t size, DWORD style, UINT controlId) {
     const auto layout = ParseToolBarTemplate(static_cast<const uint8_t*>(data), size);
@@ -120,8 +135,16 @@ HWND CreateToolBarFromTemplate(HWND parent, HINSTANCE bitmapInstance, UINT_PTR b
     if (bar == nullptr) return nullptr;
     SendMessageW(bar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
     SendMessageW(bar, TB_SETBITMAPSIZE, 0, MAKELPARAM(layout->imageWidth, layout->imageHeight));
-    TBADDBITMAP strip = {bitmapInstance, bitmapId};
-    SendMessageW(bar, TB_ADDBITMAP, layout->ImageCount(), reinterpret_cast<LPARAM>(&strip));
+    if (bitmapInstance == HINST_COMMCTRL) {
+        TBADDBITMAP strip = {bitmapInstance, bitmapId};
+        SendMessageW(bar, TB_ADDBITMAP, layout->ImageCount(), reinterpret_cast<LPARAM>(&strip));
+    } else if (HIMAGELIST images = LoadImageListStrip(bitmapInstance, layout->imageWidth,
+                                                      static_cast<UINT>(bitmapId), 0, kToolBarMask)) {
+        // Our strips are drawn on magenta, which only a masked image list makes transparent.
+        // The tool bar does not own an image list it is given: it is freed with the bar.
+        SendMessageW(bar, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images));
+        SetWindowSubclass(bar, &DestroyImageListWithBar, 0, reinterpret_cast<DWORD_PTR>(images));
+    }
 
     std::vector<TBBUTTON> buttons(layout->commands.size());
     int image = 0;

@@ -49,7 +49,8 @@ HIMAGELIST LoadImageListStrip(HINSTANCE instance, int imageWidth, UINT bitmapId,
 
 // A tool bar control described by the tool-bar resource `resourceId` of `instance` (button
 // size and command ids, 0 for a separator) with its buttons' images from the bitmap resource
-// of the same id. Null when the resource is missing or malformed.
+// of the same id, magenta (0xFF00FF) being transparent. Null when the resource is missing or
+// malformed.
 HWND CreateToolBarFromResource(HWND parent, HINSTANCE instance, UINT resourceId, DWORD style, UINT controlId);
 
 // The same from a tool-bar description already in memory; the images come from the bitmap

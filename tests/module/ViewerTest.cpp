@@ -1,0 +1,349 @@
+// The image viewer as the host starts it: imgRunW of lxpicture.dll on a thread of its own,
+// driven from the test through its real windows and messages (commands, the delete question,
+// the list control, the status bar), against real files and the real registry.
+#include <windows.h>
+#include <commctrl.h>
+#include <psapi.h>
+#include <shlwapi.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ImageCodecs.h"
+#include "TestFiles.h"
+
+using namespace lx;
+using lxtest::ScratchDir;
+
+namespace {
+
+using WideEntry = void(CALLBACK*)(HWND, HINSTANCE, LPWSTR, int);
+constexpr wchar_t kFrameClass[] = L"LXIMAGEVIEW_FRAME";
+constexpr int kZoomViewId = 21, kListId = 23, kInformationId = 6, kStatusId = 59393;
+constexpr UINT kGetZoom = 1698;
+const std::wstring kCaption = L"フォト イメージ";
+const wchar_t kSettingsKey[] = L"Software\\Northcape\\Applets\\lxpicture\\MainViewer";
+
+HMODULE Dll() {
+    static HMODULE dll = LoadLibraryW(LX_DLL_PATH);
+    return dll;
+}
+
+bool WaitFor(const std::function<bool()>& condition, int ms = 20000) {
+    for (int waited = 0; waited < ms; waited += 20) {
+        if (condition()) return true;
+        Sleep(20);
+    }
+    return condition();
+}
+
+HWND FindChild(HWND parent, int id) {
+    struct Search {
+        int id;
+        HWND found;
+    } search{id, nullptr};
+    EnumChildWindows(
+        parent,
+        [](HWND hwnd, LPARAM lParam) {
+            auto* s = reinterpret_cast<Search*>(lParam);
+            if (GetDlgCtrlID(hwnd) != s->id) return TRUE;
+            s->found = hwnd;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+std::wstring WindowText(HWND hwnd) {
+    wchar_t text[600] = {};
+    GetWindowTextW(hwnd, text, 600);
+    return text;
+}
+
+// 24-bit bitmap files of a given size, each a different grey.
+void WriteBitmap(const std::filesystem::path& path, int width, int height, int grey = 128) {
+    PackedDib dib = PackedDib::Create(width, height, 24);
+    for (int y = 0; y < height; ++y) std::memset(dib.row(y), grey, static_cast<size_t>(width) * 3);
+    ASSERT_NE(SaveBmpFile(path, dib), 0);
+}
+
+// One viewer started through imgRunW with `path`; closed (if still open) at the end.
+class Viewer {
+public:
+    explicit Viewer(const std::filesystem::path& path) {
+        auto entry = reinterpret_cast<WideEntry>(reinterpret_cast<void*>(GetProcAddress(Dll(), "imgRunW")));
+        std::wstring line = L"\"" + path.wstring() + L"\"";
+        thread_ = std::thread([this, entry, line]() mutable {
+            threadId_ = GetCurrentThreadId();
+            entry(nullptr, Dll(), line.data(), SW_SHOWNORMAL);
+            ended_ = true;
+        });
+        WaitFor([&] { return (frame_ = FrameOfThread()) != nullptr; });
+    }
+    ~Viewer() {
+        if (!ended_ && frame_) PostMessageW(frame_, WM_CLOSE, 0, 0);
+        thread_.join();
+    }
+
+    HWND frame() const { return frame_; }
+    bool ended() const { return ended_; }
+    bool WaitEnded(int ms = 20000) { return WaitFor([&] { return ended_.load(); }, ms); }
+
+    std::wstring Title() const { return WindowText(frame_); }
+    bool WaitTitle(const std::wstring& fileName, int ms = 20000) {
+        return WaitFor([&] { return Title() == fileName + L" - " + kCaption; }, ms);
+    }
+    void Command(UINT id) { PostMessageW(frame_, WM_COMMAND, id, 0); }
+
+    HWND List() const { return FindChild(frame_, kListId); }
+    HWND View() const { return FindChild(frame_, kZoomViewId); }
+    int ListCount() const { return static_cast<int>(SendMessageW(List(), LVM_GETITEMCOUNT, 0, 0)); }
+    int Selected() const { return static_cast<int>(SendMessageW(List(), LVM_GETNEXTITEM, -1, LVNI_SELECTED)); }
+    int Zoom() const { return static_cast<int>(SendMessageW(View(), kGetZoom, 0, 0)); }
+    std::wstring StatusText(int index) const {
+        wchar_t text[200] = {};
+        SendMessageW(FindChild(frame_, kStatusId), SB_GETTEXTW, index, reinterpret_cast<LPARAM>(text));
+        return text;
+    }
+    RECT ScreenRect(HWND child) const {
+        RECT r{};
+        GetWindowRect(child, &r);
+        return r;
+    }
+
+    // The question box the frame shows, answered with `button`; false when none appeared.
+    bool Answer(int button) {
+        HWND box = nullptr;
+        if (!WaitFor([&] { return (box = OwnedDialog()) != nullptr; }, 10000)) return false;
+        PostMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(box, button)));
+        return WaitFor([&] { return !IsWindow(box); }, 10000);
+    }
+
+private:
+    HWND FrameOfThread() const {
+        HWND found = nullptr;
+        for (HWND w = FindWindowExW(nullptr, nullptr, kFrameClass, nullptr); w;
+             w = FindWindowExW(nullptr, w, kFrameClass, nullptr))
+            if (GetWindowThreadProcessId(w, nullptr) == threadId_) found = w;
+        return found;
+    }
+    HWND OwnedDialog() const {
+        HWND found = nullptr;
+        for (HWND w = FindWindowExW(nullptr, nullptr, L"#32770", nullptr); w; w = FindWindowExW(nullptr, w, L"#32770", nullptr))
+            if (GetWindow(w, GW_OWNER) == frame_ && IsWindowVisible(w)) found = w;
+        return found;
+    }
+
+    std::thread thread_;
+    std::atomic<DWORD> threadId_{0};
+    std::atomic<bool> ended_{false};
+    HWND frame_ = nullptr;
+};
+
+class ViewerTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_NE(Dll(), nullptr) << "cannot load " << LX_DLL_PATH;
+        SHDeleteKeyW(HKEY_CURRENT_USER, kSettingsKey);
+    }
+    ScratchDir dir_{"viewer"};
+};
+
+TEST_F(ViewerTest, OpensTheFileAndListsItsFolderInLogicalOrder) {
+    WriteBitmap(dir_ / "a10.bmp", 30, 20);
+    WriteBitmap(dir_ / "a9.bmp", 64, 48);
+    WriteBitmap(dir_ / "A1.bmp", 30, 20);
+    lxtest::WriteFile(dir_ / "notes.txt", std::string("not a picture"));
+    std::filesystem::create_directory(dir_ / "folder.bmp");  // a folder with a picture's name
+    Viewer viewer(dir_ / "a9.bmp");
+    ASSERT_TRUE(viewer.frame());
+    ASSERT_TRUE(viewer.WaitTitle(L"a9.bmp"));
+    ASSERT_TRUE(WaitFor([&] { return viewer.ListCount() == 3; }));
+    EXPECT_EQ(viewer.Selected(), 1);  // A1, a9, a10
+    EXPECT_EQ(viewer.StatusText(4), L"64 x 48");
+    EXPECT_EQ(viewer.StatusText(5), L"24bpp");
+    EXPECT_EQ(viewer.Zoom(), 1000);  // small picture: original size
+    viewer.Command(2015);
+    EXPECT_TRUE(viewer.WaitTitle(L"a10.bmp"));
+    viewer.Command(2015);
+    EXPECT_TRUE(viewer.WaitTitle(L"A1.bmp"));  // wraps to the first
+    viewer.Command(2014);
+    EXPECT_TRUE(viewer.WaitTitle(L"a10.bmp"));  // and back over the start to the last
+    // The information pane reports the file.
+    HWND info = FindChild(viewer.frame(), kInformationId);
+    ASSERT_TRUE(info);
+    EXPECT_TRUE(WaitFor([&] { return SendMessageW(info, LVM_GETITEMCOUNT, 0, 0) >= 4; }));
+}
+
+TEST_F(ViewerTest, OneFileFolderHasNowhereToStepAndDeletingItClosesTheViewer) {
+    WriteBitmap(dir_ / "only.bmp", 40, 30);
+    Viewer viewer(dir_ / "only.bmp");
+    ASSERT_TRUE(viewer.WaitTitle(L"only.bmp"));
+    ASSERT_TRUE(WaitFor([&] { return viewer.ListCount() == 1; }));
+    viewer.Command(2015);
+    viewer.Command(2014);
+    Sleep(300);
+    EXPECT_EQ(viewer.Title(), L"only.bmp - " + kCaption);
+    // "No" keeps the file and the viewer.
+    viewer.Command(2009);
+    ASSERT_TRUE(viewer.Answer(IDNO));
+    EXPECT_TRUE(std::filesystem::exists(dir_ / "only.bmp"));
+    EXPECT_FALSE(viewer.ended());
+    viewer.Command(2009);
+    ASSERT_TRUE(viewer.Answer(IDYES));
+    EXPECT_TRUE(viewer.WaitEnded());
+    EXPECT_FALSE(std::filesystem::exists(dir_ / "only.bmp"));
+}
+
+TEST_F(ViewerTest, DeleteMovesForwardExceptAtTheEndOfTheList) {
+    for (int i = 0; i < 4; ++i) WriteBitmap(dir_ / ("p" + std::to_string(i) + ".bmp"), 40, 30, 40 * i);
+    Viewer viewer(dir_ / "p3.bmp");
+    ASSERT_TRUE(viewer.WaitTitle(L"p3.bmp"));
+    ASSERT_TRUE(WaitFor([&] { return viewer.ListCount() == 4; }));
+    viewer.Command(2009);
+    ASSERT_TRUE(viewer.Answer(IDYES));
+    EXPECT_TRUE(viewer.WaitTitle(L"p2.bmp"));  // the last went: the one before it
+    EXPECT_EQ(viewer.ListCount(), 3);
+    EXPECT_FALSE(std::filesystem::exists(dir_ / "p3.bmp"));
+    viewer.Command(2014);
+    ASSERT_TRUE(viewer.WaitTitle(L"p1.bmp"));
+    viewer.Command(2009);
+    ASSERT_TRUE(viewer.Answer(IDYES));
+    EXPECT_TRUE(viewer.WaitTitle(L"p2.bmp"));  // another went: the one that moved into its place
+    EXPECT_EQ(viewer.ListCount(), 2);
+    EXPECT_EQ(viewer.Selected(), 1);
+}
+
+TEST_F(ViewerTest, ASecondOpenDuringALoadIsRefused) {
+    for (int i = 0; i < 3; ++i) WriteBitmap(dir_ / ("big" + std::to_string(i) + ".bmp"), 4000, 3000, 60 * i);
+    Viewer viewer(dir_ / "big0.bmp");
+    ASSERT_TRUE(viewer.WaitTitle(L"big0.bmp", 60000));
+    ASSERT_TRUE(WaitFor([&] { return viewer.ListCount() == 3; }));
+    // Both commands queue up; the second comes while the first load runs and is refused.
+    viewer.Command(2015);
+    viewer.Command(2015);
+    ASSERT_TRUE(viewer.WaitTitle(L"big1.bmp", 60000));
+    Sleep(1500);
+    EXPECT_EQ(viewer.Title(), L"big1.bmp - " + kCaption);
+}
+
+TEST_F(ViewerTest, AStaleResultIsFreedAndNotShown) {
+    WriteBitmap(dir_ / "a.bmp", 40, 30);
+    Viewer viewer(dir_ / "a.bmp");
+    ASSERT_TRUE(viewer.WaitTitle(L"a.bmp"));
+    PackedDib other = PackedDib::Create(99, 77, 24);
+    HGLOBAL stale = GlobalAlloc(GMEM_MOVEABLE, other.bytes().size());
+    std::memcpy(GlobalLock(stale), other.bytes().data(), other.bytes().size());
+    GlobalUnlock(stale);
+    PostMessageW(viewer.frame(), RegisterWindowMessageW(L"wm_gmil_loadimagecompleted"), 12345,
+                 reinterpret_cast<LPARAM>(stale));
+    EXPECT_TRUE(WaitFor([&] { return GlobalSize(stale) == 0; }, 5000));  // freed by the frame
+    EXPECT_EQ(viewer.StatusText(4), L"40 x 30");
+}
+
+TEST_F(ViewerTest, SameSizeImagesKeepTheZoomAndASmallOneShowsAtOriginalSize) {
+    WriteBitmap(dir_ / "s0.bmp", 3000, 2000, 10);
+    WriteBitmap(dir_ / "s1.bmp", 3000, 2000, 90);
+    WriteBitmap(dir_ / "s2.bmp", 50, 40);
+    Viewer viewer(dir_ / "s0.bmp");
+    ASSERT_TRUE(viewer.WaitTitle(L"s0.bmp", 60000));
+    const int fitted = viewer.Zoom();
+    EXPECT_LT(fitted, 1000);  // larger than the view: the whole picture
+    viewer.Command(2123);
+    ASSERT_TRUE(WaitFor([&] { return viewer.Zoom() > fitted; }));
+    const int zoomed = viewer.Zoom();
+    viewer.Command(2015);
+    ASSERT_TRUE(viewer.WaitTitle(L"s1.bmp", 60000));
+    EXPECT_EQ(viewer.Zoom(), zoomed);
+    viewer.Command(2015);
+    ASSERT_TRUE(viewer.WaitTitle(L"s2.bmp", 60000));
+    EXPECT_EQ(viewer.Zoom(), 1000);
+}
+
+TEST_F(ViewerTest, LayoutRecordOfAnotherLengthIsIgnoredAndCloseWritesBothRecords) {
+    WriteBitmap(dir_ / "a.bmp", 40, 30);
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, kSettingsKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
+              ERROR_SUCCESS);
+    const int32_t below[6] = {0, 1, 1, 150, 120, 0};  // no information pane, list below
+    RegSetValueExW(key, L"ImageInfo", 0, REG_BINARY, reinterpret_cast<const BYTE*>(below), 23);
+    {
+        Viewer viewer(dir_ / "a.bmp");
+        ASSERT_TRUE(viewer.WaitTitle(L"a.bmp"));
+        const RECT view = viewer.ScreenRect(viewer.View()), list = viewer.ScreenRect(viewer.List());
+        EXPECT_GE(list.left, view.right);  // defaults: the list at the right
+        EXPECT_TRUE(IsWindowVisible(FindChild(viewer.frame(), kInformationId)));
+    }
+    DWORD size = 0;
+    EXPECT_EQ(RegQueryValueExW(key, L"ImageInfo", nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
+    EXPECT_EQ(size, 24u);
+    size = 0;
+    EXPECT_EQ(RegQueryValueExW(key, L"WndPos", nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
+    EXPECT_EQ(size, 44u);
+
+    RegSetValueExW(key, L"ImageInfo", 0, REG_BINARY, reinterpret_cast<const BYTE*>(below), 24);
+    {
+        Viewer viewer(dir_ / "a.bmp");
+        ASSERT_TRUE(viewer.WaitTitle(L"a.bmp"));
+        const RECT view = viewer.ScreenRect(viewer.View()), list = viewer.ScreenRect(viewer.List());
+        EXPECT_GE(list.top, view.bottom);  // the record: the list below
+        EXPECT_NEAR(list.bottom - list.top, 120, 2);
+        EXPECT_FALSE(IsWindowVisible(FindChild(viewer.frame(), kInformationId)));
+        // Placement toggles back to the right.
+        viewer.Command(2106);
+        EXPECT_TRUE(WaitFor([&] { return viewer.ScreenRect(viewer.List()).left >= viewer.ScreenRect(viewer.View()).right; }));
+    }
+    int32_t stored[6] = {};
+    size = sizeof stored;
+    RegQueryValueExW(key, L"ImageInfo", nullptr, nullptr, reinterpret_cast<BYTE*>(stored), &size);
+    EXPECT_EQ(stored[0], 0);  // information pane still hidden
+    EXPECT_EQ(stored[2], 0);  // list now at the right
+    RegCloseKey(key);
+}
+
+TEST_F(ViewerTest, ClosingWhileThumbnailsAreMadeEndsCleanly) {
+    for (int i = 0; i < 150; ++i) WriteBitmap(dir_ / ("t" + std::to_string(i) + ".bmp"), 400, 300, i);
+    for (int round = 0; round < 3; ++round) {
+        Viewer viewer(dir_ / "t75.bmp");
+        ASSERT_TRUE(viewer.frame());
+        WaitFor([&] { return viewer.ListCount() > 0; }, 5000);
+        PostMessageW(viewer.frame(), WM_CLOSE, 0, 0);
+        EXPECT_TRUE(viewer.WaitEnded(30000));
+    }
+}
+
+TEST_F(ViewerTest, TwoHundredImageChangesKeepMemoryAndHandlesFlat) {
+    WriteBitmap(dir_ / "m0.bmp", 1200, 900, 30);
+    WriteBitmap(dir_ / "m1.bmp", 900, 1200, 200);
+    Viewer viewer(dir_ / "m0.bmp");
+    ASSERT_TRUE(viewer.WaitTitle(L"m0.bmp"));
+    ASSERT_TRUE(WaitFor([&] { return viewer.ListCount() == 2; }));
+    auto change = [&](int times) {
+        for (int i = 0; i < times; ++i) {
+            viewer.Command(2015);
+            ASSERT_TRUE(viewer.WaitTitle(i % 2 ? L"m0.bmp" : L"m1.bmp"));
+        }
+    };
+    change(20);
+    PROCESS_MEMORY_COUNTERS before{sizeof before}, after{sizeof after};
+    K32GetProcessMemoryInfo(GetCurrentProcess(), &before, sizeof before);
+    const DWORD gdiBefore = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    DWORD handlesBefore = 0, handlesAfter = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &handlesBefore);
+    change(200);
+    K32GetProcessMemoryInfo(GetCurrentProcess(), &after, sizeof after);
+    GetProcessHandleCount(GetCurrentProcess(), &handlesAfter);
+    // Each picture is about 3 MB: a leak of one per change would add 600 MB.
+    EXPECT_LT(static_cast<long long>(after.PagefileUsage) - static_cast<long long>(before.PagefileUsage), 40LL << 20);
+    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), gdiBefore + 10);
+    EXPECT_LE(handlesAfter, handlesBefore + 10);
+}
+
+}  // namespace
