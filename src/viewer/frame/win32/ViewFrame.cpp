@@ -304,6 +304,7 @@ void CViewFrame::OnViewNotify(const NMHDR* header) {
     const bool selected = s.right > s.left && s.bottom > s.top;
     switch (header->code) {
     case kZvnCursor:
+        if (!imageSize_.cx) break;  // the mouse over an empty view has no pixel to report
         statusBar_.SetText(1004, selected ? CursorSelectionText(s.left, s.top, s.right - s.left, s.bottom - s.top)
                                           : CursorText(notify->cursor.x, notify->cursor.y));
         break;

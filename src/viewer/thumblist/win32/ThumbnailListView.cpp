@@ -388,17 +388,31 @@ bool CThumbnaiListView::HandleNotify(NMHDR* header, LRESULT& result) {
     return true;
 }
 
+// The control's own icon and label rectangles add padding that runs past the 90-pixel row
+// into the next one; the cell is laid out here instead: picture above, name in the last line.
+bool CThumbnaiListView::PictureArea(int index, RECT& area) const {
+    RECT bounds{};
+    if (!ListView_GetItemRect(hwnd_, index, &bounds, LVIR_BOUNDS)) return false;
+    WindowDc screen(hwnd_);
+    HFONT font = reinterpret_cast<HFONT>(SendMessageW(hwnd_, WM_GETFONT, 0, 0));
+    SelectScope useFont(screen.get(), font ? static_cast<HGDIOBJ>(font) : GetStockObject(DEFAULT_GUI_FONT));
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(screen.get(), &metrics);
+    area = {bounds.left, bounds.top, bounds.left + kCellWidth, bounds.top + kCellHeight - metrics.tmHeight - 1};
+    return true;
+}
+
 void CThumbnaiListView::DrawItem(HDC dc, int index, bool selected) {
     const ViewerListItem* item = ItemAt(index);
-    RECT bounds{}, icon{}, label{};
-    if (!item || !ListView_GetItemRect(hwnd_, index, &icon, LVIR_ICON)) return;
-    ListView_GetItemRect(hwnd_, index, &label, LVIR_LABEL);
-    // The whole cell, so an item never depends on the control having erased behind it.
-    ListView_GetItemRect(hwnd_, index, &bounds, LVIR_BOUNDS);
-    FillSolid(dc, bounds, kBackground);
+    RECT icon{};
+    if (!item || !PictureArea(index, icon)) return;
+    const RECT cell{icon.left, icon.top, icon.left + kCellWidth, icon.top + kCellHeight};
+    const RECT label{cell.left + 2, icon.bottom, cell.right - 2, cell.bottom - 1};
+    HFONT font = reinterpret_cast<HFONT>(SendMessageW(hwnd_, WM_GETFONT, 0, 0));
+    SelectScope useFont(dc, font ? static_cast<HGDIOBJ>(font) : GetStockObject(DEFAULT_GUI_FONT));
+    FillSolid(dc, cell, kBackground);
     HBITMAP thumbnail = item->thumbnail;
     const ThumbSize size = thumbnail ? ThumbSize{item->thumbWidth, item->thumbHeight} : ThumbSize{kThumbnailBox, kThumbnailBox};
-    // The picture sits in the icon part of the cell; the text line below keeps the name.
     const ItemBoxes boxes = LayOutItem({icon.left, icon.top, icon.right, icon.bottom}, size);
     const RECT background = ToRect(boxes.background), picture = ToRect(boxes.picture), inner = ToRect(boxes.thumbnail);
     FillSolid(dc, background, kBackground);
@@ -414,8 +428,6 @@ void CThumbnaiListView::DrawItem(HDC dc, int index, bool selected) {
 
     const int oldMode = SetBkMode(dc, TRANSPARENT);
     const COLORREF oldColour = SetTextColor(dc, kTextColour);
-    HFONT font = reinterpret_cast<HFONT>(SendMessageW(hwnd_, WM_GETFONT, 0, 0));
-    SelectScope useFont(dc, font ? static_cast<HGDIOBJ>(font) : GetStockObject(DEFAULT_GUI_FONT));
     RECT text = label;
     DrawTextW(dc, PathFindFileNameW(item->path.c_str()), -1, &text,
               DT_CENTER | DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX);

@@ -70,6 +70,8 @@ public:
     // The listing thread while one runs (owned by the list), else null.
     HANDLE ListingThread() const { return thread_; }
     const ViewerListItem* ItemAt(int index) const;
+    // The part of item `index`'s cell that holds its picture (the cell less its name line).
+    bool PictureArea(int index, RECT& area) const;
 
 private:
     static LRESULT CALLBACK SubclassProc(HWND, UINT, WPARAM, LPARAM, UINT_PTR, DWORD_PTR);

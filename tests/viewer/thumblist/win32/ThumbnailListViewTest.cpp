@@ -283,7 +283,7 @@ TEST_F(ThumbnailListViewTest, DrawsTheSelectionBoxThumbnailGreyBoxAndShadow) {
     };
 
     RECT icon{};
-    ASSERT_TRUE(ListView_GetItemRect(list_->hwnd(), 0, &icon, LVIR_ICON));
+    ASSERT_TRUE(list_->PictureArea(0, icon));
     const ItemBoxes a = LayOutItem({icon.left, icon.top, icon.right, icon.bottom}, {72, 36});
     // Thumbnail at the picture box's corner, red throughout.
     EXPECT_EQ(at(a.thumbnail.left, a.thumbnail.top), 0xff0000u);
@@ -301,7 +301,7 @@ TEST_F(ThumbnailListViewTest, DrawsTheSelectionBoxThumbnailGreyBoxAndShadow) {
     EXPECT_EQ(at(a.background.left - 2, a.background.top + 10), 0x696969u);
 
     // The failed item: unselected grey background, the placeholder box in the shadow colour.
-    ASSERT_TRUE(ListView_GetItemRect(list_->hwnd(), 1, &icon, LVIR_ICON));
+    ASSERT_TRUE(list_->PictureArea(1, icon));
     const ItemBoxes b = LayOutItem({icon.left, icon.top, icon.right, icon.bottom}, {72, 72});
     const COLORREF shadow = GetSysColor(COLOR_BTNSHADOW);
     const uint32_t grey = static_cast<uint32_t>(GetRValue(shadow)) << 16 | GetGValue(shadow) << 8 | GetBValue(shadow);
@@ -329,7 +329,7 @@ TEST_F(ThumbnailListViewTest, TheWheelScrollsOneCellPerNotchAndTheDragImageIsNot
     };
     const int top = firstTop();
     const int cell = list_->ItemSize().cy;
-    SendMessageW(list_->hwnd(), WM_MOUSEWHEEL, MAKEWPARAM(0, -2 * WHEEL_DELTA), MAKELPARAM(100, 100));
+    SendMessageW(list_->hwnd(), WM_MOUSEWHEEL, static_cast<WPARAM>(static_cast<DWORD>(-2 * WHEEL_DELTA) << 16), MAKELPARAM(100, 100));
     EXPECT_EQ(firstTop(), top - 2 * cell);
     SendMessageW(list_->hwnd(), WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), MAKELPARAM(100, 100));
     EXPECT_EQ(firstTop(), top - cell);
