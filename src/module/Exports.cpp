@@ -4,6 +4,7 @@
 // key; the frame tools take a path.
 #include <windows.h>
 #include <shellapi.h>
+#include <shlwapi.h>
 
 #include <string>
 
@@ -29,6 +30,20 @@ std::wstring WidenCommandLine(const char* commandLine, int chars) {
     }
     wide.resize(wcslen(wide.c_str()));
     return wide;
+}
+
+// "rundll32 lxpicture.dll,imgRunW PATH" looks for "imgRunWW" first and, not finding it,
+// calls imgRunW itself with an eight-bit line. A wide line that starts with an ASCII
+// character has a zero second byte; an eight-bit line of two or more characters does not.
+// Such a line is taken as eight-bit when, so read, it names an existing file.
+std::wstring PathLineFromEitherWidth(LPWSTR line, std::wstring (*pathOf)(const wchar_t*)) {
+    if (!line) return pathOf(nullptr);
+    const auto* bytes = reinterpret_cast<const char*>(line);
+    if (bytes[0] != 0 && bytes[1] != 0) {
+        const std::wstring narrow = pathOf(WidenCommandLine(bytes, kWideLineChars).c_str());
+        if (!narrow.empty() && PathFileExistsW(narrow.c_str())) return narrow;
+    }
+    return pathOf(line);
 }
 
 bool DropIsWellFormed(HGLOBAL drop) {
@@ -109,12 +124,13 @@ LX_EXPORT int WINAPI pxfRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
 
 LX_EXPORT int WINAPI imgRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
     lx::ActivationScope controls;
-    return lx::RunFrameTool(lx::ViewerPathFromCommandLine(commandLine), showCmd, lx::FrameMode::Viewer);
+    return lx::RunFrameTool(PathLineFromEitherWidth(commandLine, &lx::ViewerPathFromCommandLine), showCmd,
+                            lx::FrameMode::Viewer);
 }
 
 LX_EXPORT int WINAPI slideRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
     lx::ActivationScope controls;
-    return lx::RunSlideShowTool(lx::UnquotedPath(commandLine), showCmd);
+    return lx::RunSlideShowTool(PathLineFromEitherWidth(commandLine, &lx::UnquotedPath), showCmd);
 }
 
 // Eight-bit variants.

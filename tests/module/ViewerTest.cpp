@@ -77,12 +77,14 @@ void WriteBitmap(const std::filesystem::path& path, int width, int height, int g
 // One viewer started through imgRunW with `path`; closed (if still open) at the end.
 class Viewer {
 public:
-    explicit Viewer(const std::filesystem::path& path) {
+    // `eightBit`: the line as rundll32 hands it to "imgRunW" named in full (eight-bit text).
+    explicit Viewer(const std::filesystem::path& path, bool eightBit = false) {
         auto entry = reinterpret_cast<WideEntry>(reinterpret_cast<void*>(GetProcAddress(Dll(), "imgRunW")));
         std::wstring line = L"\"" + path.wstring() + L"\"";
-        thread_ = std::thread([this, entry, line]() mutable {
+        std::string narrow = path.string();
+        thread_ = std::thread([this, entry, line, narrow, eightBit]() mutable {
             threadId_ = GetCurrentThreadId();
-            entry(nullptr, Dll(), line.data(), SW_SHOWNORMAL);
+            entry(nullptr, Dll(), eightBit ? reinterpret_cast<LPWSTR>(narrow.data()) : line.data(), SW_SHOWNORMAL);
             ended_ = true;
         });
         WaitFor([&] { return (frame_ = FrameOfThread()) != nullptr; });
@@ -180,6 +182,12 @@ TEST_F(ViewerTest, OpensTheFileAndListsItsFolderInLogicalOrder) {
     HWND info = FindChild(viewer.frame(), kInformationId);
     ASSERT_TRUE(info);
     EXPECT_TRUE(WaitFor([&] { return SendMessageW(info, LVM_GETITEMCOUNT, 0, 0) >= 4; }));
+}
+
+TEST_F(ViewerTest, AnEightBitLineAsRundll32PassesItIsRead) {
+    WriteBitmap(dir_ / "plain.bmp", 40, 30);
+    Viewer viewer(dir_ / "plain.bmp", true);
+    EXPECT_TRUE(viewer.WaitTitle(L"plain.bmp"));
 }
 
 TEST_F(ViewerTest, OneFileFolderHasNowhereToStepAndDeletingItClosesTheViewer) {
