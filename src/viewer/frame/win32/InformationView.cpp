@@ -3,6 +3,7 @@
 #include <commctrl.h>
 #include <shlwapi.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -40,16 +41,22 @@ std::wstring ByteCountText(ULONGLONG bytes) {
     return text;
 }
 
-// The two columns share the pane's width, so the values stay readable as the pane is resized.
+// The names keep the width their longest one needs, up to half the pane; the values take the
+// rest, so both stay readable as the pane is resized.
+void FitColumns(HWND list) {
+    RECT client{};
+    GetClientRect(list, &client);
+    ListView_SetColumnWidth(list, 0, LVSCW_AUTOSIZE_USEHEADER);
+    const int names = std::min(ListView_GetColumnWidth(list, 0), static_cast<int>(client.right / 2));
+    ListView_SetColumnWidth(list, 0, names);
+    ListView_SetColumnWidth(list, 1, std::max<int>(client.right - names, 0));
+}
+
 LRESULT CALLBACK FitColumnsOnSize(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
-    if (message == WM_SIZE) {
-        const int width = LOWORD(lParam);
-        ListView_SetColumnWidth(list, 0, width * 2 / 5);
-        ListView_SetColumnWidth(list, 1, width - width * 2 / 5);
-    } else if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(list, &FitColumnsOnSize, id);
-    }
-    return DefSubclassProc(list, message, wParam, lParam);
+    const LRESULT result = DefSubclassProc(list, message, wParam, lParam);
+    if (message == WM_SIZE) FitColumns(list);
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(list, &FitColumnsOnSize, id);
+    return result;
 }
 
 }  // namespace
@@ -119,6 +126,7 @@ void CInformationView::Show(const std::wstring& path, HGLOBAL image) {
             AddRow(Widen(name), Widen(value));
         return true;
     });
+    FitColumns(hwnd_);
     SendMessageW(hwnd_, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(hwnd_, nullptr, TRUE);
 }
