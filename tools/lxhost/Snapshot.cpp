@@ -3,7 +3,9 @@
 #include <windows.h>
 
 #include <cstdio>
-#include <vector>
+#include <filesystem>
+
+#include "ImageCodecs.h"
 
 namespace lxhost {
 namespace {
@@ -29,31 +31,25 @@ HWND TitledWindowOfThisProcess() {
 
 bool SaveScreen(const std::wstring& path) {
     const int width = GetSystemMetrics(SM_CXSCREEN), height = GetSystemMetrics(SM_CYSCREEN);
+    if (width <= 0 || height <= 0) return false;
+    lx::PackedDib shot = lx::PackedDib::Create(width, height, 24);
     HDC screen = GetDC(nullptr);
     HDC memory = CreateCompatibleDC(screen);
-    BITMAPINFOHEADER header{sizeof header, width, height, 1, 24, BI_RGB};
-    void* bits = nullptr;
-    HBITMAP bitmap = CreateDIBSection(screen, reinterpret_cast<BITMAPINFO*>(&header), DIB_RGB_COLORS, &bits, nullptr, 0);
-    bool saved = false;
+    HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
+    bool copied = false;
     if (bitmap) {
         HGDIOBJ old = SelectObject(memory, bitmap);
         BitBlt(memory, 0, 0, width, height, screen, 0, 0, SRCCOPY);
-        GdiFlush();
         SelectObject(memory, old);
-        const DWORD stride = (static_cast<DWORD>(width) * 3 + 3) & ~3u;
-        header.biSizeImage = stride * static_cast<DWORD>(height);
-        BITMAPFILEHEADER file{0x4D42, static_cast<DWORD>(sizeof file + sizeof header + header.biSizeImage), 0, 0,
-                              static_cast<DWORD>(sizeof file + sizeof header)};
-        if (FILE* out = _wfopen(path.c_str(), L"wb")) {
-            saved = fwrite(&file, sizeof file, 1, out) == 1 && fwrite(&header, sizeof header, 1, out) == 1 &&
-                    fwrite(bits, header.biSizeImage, 1, out) == 1;
-            saved = fclose(out) == 0 && saved;
-        }
+        // The packed DIB's rows are bottom-up like those GetDIBits writes for a positive height.
+        BITMAPINFOHEADER header{sizeof header, width, height, 1, 24, BI_RGB};
+        copied = GetDIBits(memory, bitmap, 0, static_cast<UINT>(height), shot.bits(),
+                           reinterpret_cast<BITMAPINFO*>(&header), DIB_RGB_COLORS) == height;
         DeleteObject(bitmap);
     }
     DeleteDC(memory);
     ReleaseDC(nullptr, screen);
-    return saved;
+    return copied && lx::SaveBmpFile(std::filesystem::path(path), shot) != 0;
 }
 
 }  // namespace
