@@ -13,6 +13,7 @@ runs=${2:-2}
 work=$root/build/bench-convert
 mkdir -p "$work"
 cd "$root"
+source bench/lib.sh
 
 cmake --preset native-release >/dev/null
 cmake --build build/native-release --target convert_bench -j2 >/dev/null
@@ -26,12 +27,7 @@ fi
 
 # One photograph-like picture, linked under every input name: all tools read the same cached
 # bytes, so the figures compare conversion work, not the disk.
-if [ ! -s "$work/photo.jpg" ]; then
-    echo "making the 4000 x 3000 photograph ..."
-    convert -size 1000x750 -seed 7 plasma:fractal -resize 4000x3000 -attenuate 0.4 +noise Gaussian \
-        -quality 92 "$work/photo.jpg"
-    convert "$work/photo.jpg" -depth 8 "$work/photo.ppm"
-fi
+bench_photo "$work"
 rm -rf "$work/in"
 mkdir -p "$work/in/jpg" "$work/in/ppm"
 i=0
@@ -40,25 +36,6 @@ while [ $i -lt "$files" ]; do
     ln "$work/photo.ppm" "$work/in/ppm/p$i.ppm"
     i=$((i + 1))
 done
-
-# best_time OUTDIR COMMAND...: the shortest wall-clock seconds of $runs runs, OUTDIR emptied first.
-best_time() {
-    out=$1
-    shift
-    best=""
-    r=0
-    while [ $r -lt "$runs" ]; do
-        rm -rf "$out"
-        mkdir -p "$out"
-        start=$(date +%s.%N)
-        "$@" >/dev/null 2>&1 || true
-        end=$(date +%s.%N)
-        t=$(echo "$end - $start" | bc)
-        if [ -z "$best" ] || [ "$(echo "$t < $best" | bc)" = 1 ]; then best=$t; fi
-        r=$((r + 1))
-    done
-    echo "$best"
-}
 
 written() { ls "$1" | wc -l; }
 
@@ -72,7 +49,6 @@ line() { # name input seconds count reference_seconds
 }
 
 source "$root/scripts/wine-env.sh"
-winpath() { echo "Z:$1" | tr / '\\'; }
 lxhost_run() {
     set --
     for f in "$work"/in/jpg/*.jpg; do set -- "$@" "$(winpath "$f")"; done

@@ -13,6 +13,7 @@ files=${1:-200}
 work=$root/build/bench-viewer-open
 mkdir -p "$work"
 cd "$root"
+source bench/lib.sh
 cmake --preset windows >/dev/null
 cmake --build build/windows --target viewer_open_bench lxpicture -j2 >/dev/null
 source scripts/wine-env.sh
@@ -34,7 +35,6 @@ for _ in 1 2 3; do
     if [ -z "$djpeg_best" ] || [ "$(echo "$t < $djpeg_best" | bc)" = 1 ]; then djpeg_best=$t; fi
 done
 
-winpath() { echo "Z:$1" | tr / '\\'; }
 out=$(scripts/with-display.sh wine build/windows/bench/viewer-open/viewer_open_bench.exe \
       "$(winpath "$root/build/windows/src/module/lxpicture.dll")" "$(winpath "$work/one/photo.jpg")" \
       "$(winpath "$work/folder/p1.jpg")" "$files" | tr -d '\r')

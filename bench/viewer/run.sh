@@ -15,6 +15,7 @@ runs=${2:-2}
 work=$root/build/bench-viewer
 mkdir -p "$work"
 cd "$root"
+source bench/lib.sh
 
 native=${NATIVE_BENCH:-}
 if [ -z "$native" ]; then
@@ -31,11 +32,8 @@ fi
 
 # One photograph-like picture linked under every input name: every tool reads the same
 # cached bytes, so the figures compare decoding and reduction, not the disk.
-if [ ! -s "$work/photo.jpg" ]; then
-    echo "making the 4000 x 3000 photograph ..."
-    convert -size 1000x750 -seed 7 plasma:fractal -resize 4000x3000 -attenuate 0.4 +noise Gaussian \
-        -quality 92 "$work/photo.jpg"
-    convert "$work/photo.jpg" -depth 8 "$work/photo.ppm"
+bench_photo "$work"
+if [ ! -s "$work/camera.jpg" ]; then
     convert "$work/photo.jpg" -resize 160x120 -quality 85 "$work/thumb.jpg"
     cp "$work/photo.jpg" "$work/camera.jpg"
     exiftool -q -overwrite_original "-ThumbnailImage<=$work/thumb.jpg" "$work/camera.jpg"
@@ -50,24 +48,7 @@ while [ $i -lt "$files" ]; do
     i=$((i + 1))
 done
 
-# best_time COMMAND...: the shortest wall-clock seconds of $runs runs.
-best_time() {
-    best=""
-    r=0
-    while [ $r -lt "$runs" ]; do
-        rm -rf "$work/out" && mkdir -p "$work/out"
-        start=$(date +%s.%N)
-        "$@" >/dev/null 2>&1 || true
-        end=$(date +%s.%N)
-        t=$(echo "$end - $start" | bc)
-        if [ -z "$best" ] || [ "$(echo "$t < $best" | bc)" = 1 ]; then best=$t; fi
-        r=$((r + 1))
-    done
-    echo "$best"
-}
-
 source "$root/scripts/wine-env.sh"
-winpath() { echo "Z:$1" | tr / '\\'; }
 ours_wine() {
     set --
     for f in "$work/in/$kind"/*.jpg; do set -- "$@" "$(winpath "$f")"; done
@@ -85,13 +66,13 @@ printf "%-26s %-5s %9s %6s %9s %8s\n" tool input seconds files files/s ratio
 for kind in jpg exif ppm; do
     ext=$kind
     [ $kind = exif ] && ext=jpg
-    tv=$(best_time vipsthumbnail --size 72 -o "$work/out/%s.png" "$work/in/$kind"/*.$ext)
+    tv=$(best_time "$work/out" vipsthumbnail --size 72 -o "$work/out/%s.png" "$work/in/$kind"/*.$ext)
     if [ $kind = ppm ]; then
-        to=$(best_time "$native" 72 "$work/in/ppm"/*.ppm)
+        to=$(best_time "$work/out" "$native" 72 "$work/in/ppm"/*.ppm)
         made=$("$native" 72 "$work/in/ppm"/*.ppm | awk '{print $1}')
         ours="thumbnail_bench"
     else
-        to=$(best_time ours_wine)
+        to=$(best_time "$work/out" ours_wine)
         made=$(made_wine)
         ours="thumbnail_bench.exe (Wine)"
     fi
