@@ -9,8 +9,14 @@
 # as a second job, the samples are packed into build/demo/samples.pdf and checked with qpdf.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/setup.sh
-scripts/build.sh windows
+if [ -z "${LX_DEMO_STAGE:-}" ]; then
+  scripts/setup.sh
+  scripts/build.sh windows
+  # Interactive when a display is there already; else with-display gives a private Xvfb.
+  if [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1; then export LX_DEMO_INTERACTIVE=1; fi
+  # Both Wine runs below share one display and one wine server.
+  LX_DEMO_STAGE=1 exec scripts/with-display.sh scripts/wine-session.sh bash "$0" "$@"
+fi
 source scripts/wine-env.sh
 out=build/demo
 rm -rf "$out" && mkdir -p "$out"
@@ -18,14 +24,14 @@ cp samples/*.jpg "$out/"
 host=build/windows/tools/lxhost/lxhost.exe
 first=$(winepath -w "$out/hills.jpg")
 
-if [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1; then
+if [ -n "${LX_DEMO_INTERACTIVE:-}" ]; then
   wine "$host" viewer "$first"
   exit 0
 fi
 
 # In a Wine desktop (which draws the captions); lxhost saves the screen once the picture is
 # shown and the thumbnails had a moment, then closes the viewer.
-scripts/with-display.sh wine explorer /desktop=lxdemo,1100x720 "$host" viewer --snapshot "$out/viewer.bmp" "$first"
+wine explorer /desktop=lxdemo,1100x720 "$host" viewer --snapshot "$out/viewer.bmp" "$first"
 for _ in $(seq 600); do [ -s "$out/viewer.bmp" ] && break; sleep 0.2; done
 convert "$out/viewer.bmp" "$out/viewer.png" && rm "$out/viewer.bmp"
 echo "demo: the viewer showed $first; screenshot in $out/viewer.png"

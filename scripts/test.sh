@@ -10,5 +10,5 @@ scripts/build.sh windows
 echo "== native tests"
 ctest --preset native
 echo "== windows tests (Wine)"
-scripts/with-display.sh ctest --preset windows
+scripts/with-display.sh scripts/wine-session.sh ctest --preset windows
 echo "== all tests passed in $(( $(date +%s) - start )) s after set-up"

@@ -8,6 +8,8 @@
 #   bench/convert/run.sh [files] [runs]        (LXHOST=path/to/lxhost.exe to use another build)
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
+# One wine server and one display for all of the benchmark's Wine runs.
+[ -n "${LX_WINE_SESSION:-}" ] || exec "$root/scripts/with-display.sh" "$root/scripts/wine-session.sh" bash "$0" "$@"
 files=${1:-100}
 runs=${2:-2}
 work=$root/build/bench-convert

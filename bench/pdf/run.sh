@@ -9,6 +9,8 @@
 #   bench/pdf/run.sh [files] [runs] [wine]
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
+# One wine server and one display for all of the benchmark's Wine runs.
+[ -n "${LX_WINE_SESSION:-}" ] || exec "$root/scripts/with-display.sh" "$root/scripts/wine-session.sh" bash "$0" "$@"
 count=${1:-100}
 runs=${2:-5}
 wine=${3:-}

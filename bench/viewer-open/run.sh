@@ -9,6 +9,8 @@
 #   bench/viewer-open/run.sh [files]
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
+# One wine server and one display for all of the benchmark's Wine runs.
+[ -n "${LX_WINE_SESSION:-}" ] || exec "$root/scripts/with-display.sh" "$root/scripts/wine-session.sh" bash "$0" "$@"
 files=${1:-200}
 work=$root/build/bench-viewer-open
 mkdir -p "$work"

@@ -10,6 +10,8 @@
 # NATIVE_BENCH / WINDOWS_BENCH name other builds of thumbnail_bench(.exe).
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
+# One wine server and one display for all of the benchmark's Wine runs.
+[ -n "${LX_WINE_SESSION:-}" ] || exec "$root/scripts/with-display.sh" "$root/scripts/wine-session.sh" bash "$0" "$@"
 files=${1:-50}
 runs=${2:-2}
 work=$root/build/bench-viewer

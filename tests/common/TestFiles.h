@@ -79,4 +79,15 @@ inline int Run(const std::string& command) {
 #endif
 }
 
+#ifndef _WIN32
+// Whether every outside tool named (a shell word list, such as "djpeg cjpeg identify") is on
+// the PATH. Set-up installs all of them, so a test uses this only through
+// LX_REQUIRE_TOOLS, which fails loudly: a missing oracle is a broken machine, not a skip.
+inline bool HaveTools(const std::string& names) {
+    return Run("for t in " + names + "; do command -v \"$t\" >/dev/null 2>&1 || exit 1; done") == 0;
+}
+#define LX_REQUIRE_TOOLS(names) \
+    ASSERT_TRUE(lxtest::HaveTools(names)) << "outside tools missing (scripts/setup.sh installs them): " << (names)
+#endif
+
 }  // namespace lxtest

@@ -3,6 +3,7 @@
 # consumed through rundll32, and lxhost writing its own request key.
 set -uo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
+[ -n "${LX_WINE_SESSION:-}" ] || exec "$here/../../scripts/with-display.sh" "$here/../../scripts/wine-session.sh" bash "$0" "$@"
 source "$here/../../scripts/wine-env.sh"
 lxhost=$1
 dll=$2

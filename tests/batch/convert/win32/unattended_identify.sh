@@ -5,7 +5,9 @@
 #   unattended_identify.sh LXHOST.EXE
 set -euo pipefail
 lxhost=$1
-source "$(dirname "$0")/../../../../scripts/wine-env.sh"
+root=$(cd "$(dirname "$0")/../../../.." && pwd)
+[ -n "${LX_WINE_SESSION:-}" ] || exec "$root/scripts/with-display.sh" "$root/scripts/wine-session.sh" bash "$0" "$@"
+source "$root/scripts/wine-env.sh"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 winpath() { echo "Z:$1" | tr / '\\'; }
