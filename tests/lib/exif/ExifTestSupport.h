@@ -1,6 +1,6 @@
 // Test support for the Exif reader: a small TIFF structure builder (either byte order,
-// any magic number) for crafted files, and wrappers around the outside tools that make
-// and check real files (ImageMagick's convert, exiftool).
+// any magic number) for crafted files, a frame-only JPEG maker, and (native builds only)
+// wrappers around the outside tools that make and check real files (convert, exiftool).
 #pragma once
 
 #include <cstdint>
@@ -10,13 +10,6 @@
 #include <vector>
 
 #include "TestFiles.h"
-
-// The outside tools exist only in the native (Debian) build; under Wine such tests skip.
-#ifdef _WIN32
-#define LX_NEEDS_TOOLS() GTEST_SKIP() << "needs the Debian tools (convert, exiftool)"
-#else
-#define LX_NEEDS_TOOLS() (void)0
-#endif
 
 namespace lxtest {
 
@@ -53,11 +46,6 @@ public:
         Bytes b(text.begin(), text.end());
         b.push_back(0);
         add(ifd, tag, 2, static_cast<uint32_t>(b.size()), b);
-    }
-    void addRationals(int ifd, uint16_t tag, const std::vector<std::pair<uint32_t, uint32_t>>& rs) {
-        Bytes b;
-        for (auto [n, d] : rs) append(b, u32(n)), append(b, u32(d));
-        add(ifd, tag, 5, static_cast<uint32_t>(rs.size()), b);
     }
     // A LONG holding the offset of another IFD (Exif, GPS, SubIFD pointers).
     void addIfdPointer(int ifd, uint16_t tag, int child) { addIfdPointers(ifd, tag, {child}); }
@@ -167,6 +155,16 @@ inline Bytes JpegWithExif(const Bytes& tiff, const Bytes& picture) {
     return out;
 }
 
+// A JPEG stream the reader measures but nobody decodes: SOI, a quantisation table, a frame
+// header of `marker` with the size, one `shade` byte of scan data, EOI.
+inline Bytes FrameJpeg(uint16_t width, uint16_t height, uint8_t shade = 0, uint8_t marker = 0xC0) {
+    return {0xFF, 0xD8, 0xFF, 0xDB, 0x00, 0x04, 0x00, 0x00,                              // SOI, DQT
+            0xFF, marker, 0x00, 0x0B, 8, uint8_t(height >> 8), uint8_t(height),           // SOFn, precision, height
+            uint8_t(width >> 8), uint8_t(width), 0x01, 0x01, 0x11, 0x00,                   // width, 1 component
+            0xFF, 0xDA, 0x00, 0x02, shade, 0xFF, 0xD9};                                    // SOS, data, EOI
+}
+
+#ifndef _WIN32
 // Output of a shell command, trailing newline removed.
 inline std::string Capture(const std::string& command, const std::filesystem::path& scratch) {
     const auto out = scratch / "capture.txt";
@@ -190,14 +188,7 @@ inline int ExifTool(const std::string& args, const std::filesystem::path& file) 
     return Run("exiftool -q -q -m -overwrite_original " + args + " '" + file.string() + "' >/dev/null 2>&1");
 }
 
-// One tag's value as exiftool prints it (`numeric` adds -n).
-inline std::string ExifToolValue(const std::string& tag, const std::filesystem::path& file,
-                                 const std::filesystem::path& scratch, bool numeric) {
-    return Capture(std::string("exiftool -s3 ") + (numeric ? "-n " : "") + "-" + tag + " '" + file.string() + "'",
-                   scratch);
-}
-
-// Every tag exiftool finds in a file, by name, in one run ("Name: value" lines).
+// Every tag exiftool finds in a file, by name, in one run ("Name: value" lines; `numeric` adds -n).
 inline std::map<std::string, std::string> ExifToolAll(const std::filesystem::path& file,
                                                       const std::filesystem::path& scratch, bool numeric) {
     std::map<std::string, std::string> tags;
@@ -211,5 +202,6 @@ inline std::map<std::string, std::string> ExifToolAll(const std::filesystem::pat
     }
     return tags;
 }
+#endif
 
 }  // namespace lxtest

@@ -76,26 +76,24 @@ TEST(HostileInput, IfdLoopsEndAndStillYieldWhatWasRead) {
 }
 
 TEST(HostileInput, TruncatedApp1GivesNoExif) {
-    LX_NEEDS_TOOLS();
-    ScratchDir dir("truncated");
-    const auto path = dir / "full.jpg";
-    WriteFile(path, MakeJpeg(dir.path(), 32, 32));
-    ASSERT_EQ(ExifTool("-DateTimeOriginal='2012:12:12 12:12:12' -Artist=Someone", path), 0);
-    const Bytes full = ReadFile(path);
+    TiffBuilder t;
+    const int ifd0 = t.addIfd(), exif = t.addIfd();
+    t.addAscii(ifd0, 0x13B, "Someone");
+    t.addIfdPointer(ifd0, kExifIfd, exif);
+    t.addAscii(exif, kDateTimeOriginal, kDate);
+    const Bytes full = JpegWithExif(t.build(), FrameJpeg(32, 32));
     ASSERT_TRUE(TimeOf(full));
     // Every prefix either still holds the whole date or gives nothing; none reads past its end.
     for (size_t size = 0; size < full.size(); ++size) {
         const Bytes prefix(full.begin(), full.begin() + size);
-        auto t = TimeOf(prefix);
-        if (t) {
-            EXPECT_EQ(t, TimeOf(full)) << size;
+        auto time = TimeOf(prefix);
+        if (time) {
+            EXPECT_EQ(time, TimeOf(full)) << size;
         }
         RunAll(prefix);
     }
     // An APP1 segment that claims more bytes than the file holds.
-    Bytes lying = full;
-    lying.resize(200);
-    EXPECT_FALSE(TimeOf(lying));
+    EXPECT_FALSE(TimeOf(Bytes(full.begin(), full.begin() + 60)));
 }
 
 TEST(HostileInput, ValuesOutsideTheExifSegmentAreNotRead) {
@@ -138,14 +136,12 @@ TEST(HostileInput, CiffHeapThatContainsItselfEnds) {
 }
 
 TEST(HostileInput, LargeRawFilesAreNotReadWhole) {
-    LX_NEEDS_TOOLS();
     // 50 MB of "sensor data" after the IFDs.
     TiffBuilder t;
     const int ifd0 = t.addIfd(), exif = t.addIfd();
     t.addIfdPointer(ifd0, kExifIfd, exif);
     t.addAscii(exif, kDateTimeOriginal, kDate);
-    ScratchDir dir("large");
-    const Bytes preview = MakeJpeg(dir.path(), 64, 64);
+    const Bytes preview = FrameJpeg(64, 64);
     const int blob = t.addBlob(preview);
     t.addBlobOffset(ifd0, 0x201, blob);
     t.addBlobLength(ifd0, 0x202, blob);
