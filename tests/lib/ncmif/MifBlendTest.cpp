@@ -10,20 +10,6 @@ using namespace miftest;
 
 namespace {
 
-// A w x h 24-bit image of one colour 0x00RRGGBB.
-PackedDib Solid(int w, int h, uint32_t rgb) {
-    PackedDib dib = PackedDib::Create(w, h, 24);
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            dib.row(y)[3 * x] = rgb & 0xff;
-            dib.row(y)[3 * x + 1] = (rgb >> 8) & 0xff;
-            dib.row(y)[3 * x + 2] = (rgb >> 16) & 0xff;
-        }
-    return dib;
-}
-
-uint32_t Grey(int v) { return static_cast<uint32_t>(v * 0x010101); }
-
 // One pixel of `top` laid over one pixel of `base`: the resulting 0x00RRGGBB.
 uint32_t Blend(int mode, uint32_t base, uint32_t top, int alpha = 255) {
     mif image(Solid(1, 1, base));

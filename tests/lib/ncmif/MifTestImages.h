@@ -72,6 +72,20 @@ inline lx::PackedDib Pattern(int w, int h, Format f) {
     return dib;
 }
 
+// A w x h 24-bit image of one colour 0x00RRGGBB.
+inline lx::PackedDib Solid(int w, int h, uint32_t rgb) {
+    lx::PackedDib dib = lx::PackedDib::Create(w, h, 24);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            dib.row(y)[3 * x] = rgb & 0xff;
+            dib.row(y)[3 * x + 1] = (rgb >> 8) & 0xff;
+            dib.row(y)[3 * x + 2] = (rgb >> 16) & 0xff;
+        }
+    return dib;
+}
+
+inline uint32_t Grey(int v) { return static_cast<uint32_t>(v * 0x010101); }
+
 // A smooth 24-bit picture with some texture: what the resampling of a photograph sees.
 inline lx::PackedDib Photo(int w, int h) {
     lx::PackedDib dib = lx::PackedDib::Create(w, h, 24);
@@ -121,14 +135,16 @@ inline std::optional<lx::PackedDib> ReadBmp(const std::filesystem::path& path) {
     return lx::PackedDib::FromBytes(file.data() + 14, file.size() - 14);
 }
 
-// ImageMagick, when installed (the oracle of several tests; native builds only).
-inline bool HaveImageMagick() {
-#ifdef _WIN32
-    return false;
-#else
-    return std::filesystem::exists("/usr/bin/convert");
-#endif
+#ifndef _WIN32
+// Runs ImageMagick's convert on a BMP of `dib`; the result read back, or nullopt.
+inline std::optional<lx::PackedDib> Magick(const lx::PackedDib& dib, const std::string& options) {
+    lxtest::ScratchDir dir("mif-magick");
+    lxtest::WriteFile(dir / "in.bmp", BmpFile(dib));
+    const std::string command = "convert " + (dir / "in.bmp").string() + " " + options + " -type TrueColor BMP3:" + (dir / "out.bmp").string();
+    if (lxtest::Run(command) != 0) return std::nullopt;
+    return ReadBmp(dir / "out.bmp");
 }
+#endif
 
 inline double MeanAbsDifference(const lx::PackedDib& a, const lx::PackedDib& b) {
     double sum = 0;
