@@ -45,24 +45,5 @@ TEST(RenameFiles, LeavesUnnamedAndUnchangedEntriesAlone) {
     EXPECT_EQ(folder.files, (std::set<std::wstring>{L"d\\IMG.jpg"}));
 }
 
-TEST(RenameFiles, TargetHeldByAnotherFileGetsNumbered) {
-    lxtest::MemoryFolder folder;
-    folder.files = {L"d\\IMG.jpg", L"d\\20240507.jpg"};
-    const RenameOutcome outcome = RenameEntryFile(Named(L"d\\IMG.jpg", L"d\\20240507.jpg"), folder.FileSystem());
-    EXPECT_TRUE(outcome.renamed);
-    EXPECT_EQ(outcome.finalPath, L"d\\20240507(1).jpg");
-    EXPECT_EQ(folder.files, (std::set<std::wstring>{L"d\\20240507.jpg", L"d\\20240507(1).jpg"}));
-}
-
-TEST(RenameFiles, FailedMoveIsReportedAsNotRenamed) {
-    lxtest::MemoryFolder folder;
-    folder.files = {L"d\\IMG.jpg"};
-    folder.locked = {L"d\\IMG.jpg"};
-    const RenameOutcome outcome = RenameEntryFile(Named(L"d\\IMG.jpg", L"d\\new.jpg"), folder.FileSystem());
-    EXPECT_FALSE(outcome.renamed);
-    EXPECT_EQ(outcome.finalPath, L"");
-    EXPECT_EQ(folder.files, (std::set<std::wstring>{L"d\\IMG.jpg"}));
-}
-
 }  // namespace
 }  // namespace lx

@@ -24,47 +24,36 @@ std::vector<std::wstring> NewNames(const std::vector<RenameEntry>& entries) {
 
 TEST(RenameNaming, EachItemProducesItsText) {
     const ShootingTime t = ShotAt(2024, 5, 7, 9, 3, 8);
-    const std::wstring old = L"C:\\photos\\IMG_0001.JPG";
-    EXPECT_EQ(NameItemText(kItemNone, t, 5, old), L"");
-    EXPECT_EQ(NameItemText(kItemDate8, t, 5, old), L"20240507");
-    EXPECT_EQ(NameItemText(kItemDate6, t, 5, old), L"240507");
-    EXPECT_EQ(NameItemText(kItemEraDate, t, 5, old), L"H360507");
-    EXPECT_EQ(NameItemText(kItemMonthDay, t, 5, old), L"0507");
-    EXPECT_EQ(NameItemText(kItemHourMinute, t, 5, old), L"0903");
-    EXPECT_EQ(NameItemText(kItemHourMinuteSec, t, 5, old), L"090308");
-    EXPECT_EQ(NameItemText(kItemCounter1, t, 5, old), L"5");
-    EXPECT_EQ(NameItemText(kItemCounter2, t, 5, old), L"05");
-    EXPECT_EQ(NameItemText(kItemCounter3, t, 5, old), L"005");
-    EXPECT_EQ(NameItemText(kItemCounter4, t, 5, old), L"0005");
-    EXPECT_EQ(NameItemText(kItemCounter2, t, 123, old), L"123");
-    EXPECT_EQ(NameItemText(kItemOldName, t, 5, old), L"IMG_0001");
-    EXPECT_EQ(NameItemText(12, t, 5, old), L"");
-    EXPECT_EQ(NameItemText(-1, t, 5, old), L"");
-}
-
-TEST(RenameNaming, TwoDigitYearWrapsAtTheCentury) {
-    EXPECT_EQ(NameItemText(kItemDate6, ShotAt(2000, 1, 2), 1, L"a.jpg"), L"000102");
-    EXPECT_EQ(NameItemText(kItemDate6, ShotAt(1999, 12, 31), 1, L"a.jpg"), L"991231");
-}
-
-TEST(RenameNaming, EraTableKeepsItsTwoQuirks) {
-    EXPECT_EQ(NameItemText(kItemEraDate, ShotAt(1990, 3, 4), 1, L"a.jpg"), L"H020304");
-    EXPECT_EQ(NameItemText(kItemEraDate, ShotAt(2020, 3, 4), 1, L"a.jpg"), L"H320304");
-    EXPECT_EQ(NameItemText(kItemEraDate, ShotAt(1900, 3, 4), 1, L"a.jpg"), L"M320304");
-    EXPECT_EQ(NameItemText(kItemEraDate, ShotAt(1868, 3, 4), 1, L"a.jpg"), L"M000304");
-    EXPECT_EQ(NameItemText(kItemEraDate, ShotAt(2019, 5, 1), 1, L"a.jpg"), L"H310501");
-    // Boundaries are by year only; the day the era changed plays no part.
-    EXPECT_EQ(EraOfYear(1911).letter, L'M');
-    EXPECT_EQ(EraOfYear(1911).year, 43);
-    EXPECT_EQ(EraOfYear(1912).letter, L'T');
-    EXPECT_EQ(EraOfYear(1912).year, 1);
-    EXPECT_EQ(EraOfYear(1925).letter, L'T');
-    EXPECT_EQ(EraOfYear(1926).letter, L'S');
-    EXPECT_EQ(EraOfYear(1926).year, 1);
-    EXPECT_EQ(EraOfYear(1988).letter, L'S');
-    EXPECT_EQ(EraOfYear(1988).year, 63);
-    EXPECT_EQ(EraOfYear(1989).letter, L'H');
-    EXPECT_EQ(EraOfYear(1989).year, 1);
+    const struct {
+        int item;
+        ShootingTime time;
+        int counter;
+        const wchar_t* expected;
+    } cases[] = {
+        {kItemNone, t, 5, L""}, {kItemDate8, t, 5, L"20240507"}, {kItemDate6, t, 5, L"240507"},
+        {kItemEraDate, t, 5, L"H360507"}, {kItemMonthDay, t, 5, L"0507"}, {kItemHourMinute, t, 5, L"0903"},
+        {kItemHourMinuteSec, t, 5, L"090308"}, {kItemCounter1, t, 5, L"5"}, {kItemCounter2, t, 5, L"05"},
+        {kItemCounter3, t, 5, L"005"}, {kItemCounter4, t, 5, L"0005"}, {kItemCounter2, t, 123, L"123"},
+        {kItemOldName, t, 5, L"IMG_0001"}, {12, t, 5, L""}, {-1, t, 5, L""},
+        // The two-digit year wraps at the century.
+        {kItemDate6, ShotAt(2000, 1, 2), 1, L"000102"}, {kItemDate6, ShotAt(1999, 12, 31), 1, L"991231"},
+        // The era table keeps its two quirks: no era after Heisei, and boundaries by year only.
+        {kItemEraDate, ShotAt(1990, 3, 4), 1, L"H020304"}, {kItemEraDate, ShotAt(2020, 3, 4), 1, L"H320304"},
+        {kItemEraDate, ShotAt(1900, 3, 4), 1, L"M320304"}, {kItemEraDate, ShotAt(1868, 3, 4), 1, L"M000304"},
+        {kItemEraDate, ShotAt(2019, 5, 1), 1, L"H310501"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(NameItemText(c.item, c.time, c.counter, L"C:\\photos\\IMG_0001.JPG"), c.expected) << c.item;
+    const struct {
+        int year;
+        wchar_t letter;
+        int eraYear;
+    } eras[] = {{1911, L'M', 43}, {1912, L'T', 1}, {1925, L'T', 14}, {1926, L'S', 1},
+                {1988, L'S', 63}, {1989, L'H', 1}};
+    for (const auto& e : eras) {
+        EXPECT_EQ(EraOfYear(e.year).letter, e.letter) << e.year;
+        EXPECT_EQ(EraOfYear(e.year).year, e.eraYear) << e.year;
+    }
 }
 
 TEST(RenameNaming, PathPartsLookOnlyAtTheFileName) {
@@ -79,40 +68,25 @@ TEST(RenameNaming, PathPartsLookOnlyAtTheFileName) {
 }
 
 TEST(RenameNaming, ItemsJoinWithUnderscoreKeepingFolderAndExtension) {
-    std::vector<RenameEntry> entries{Photo(L"C:\\p\\IMG_0001.jpg", ShotAt(2024, 5, 7, 10, 20, 30))};
-    BuildPreview(entries, {kItemDate8, kItemNone, kItemCounter1, kResetNever});
-    EXPECT_EQ(entries[0].newPath, L"C:\\p\\20240507_1.jpg");
-
-    BuildPreview(entries, {kItemNone, kItemHourMinuteSec, kItemNone, kResetNever});
-    EXPECT_EQ(entries[0].newPath, L"C:\\p\\102030.jpg");
-
-    BuildPreview(entries, {kItemOldName, kItemDate6, kItemHourMinute, kResetNever});
-    EXPECT_EQ(entries[0].newPath, L"C:\\p\\IMG_0001_240507_1020.jpg");
-}
-
-TEST(RenameNaming, OldNameAloneRebuildsTheSamePath) {
-    std::vector<RenameEntry> entries{Photo(L"C:\\p\\IMG_0001.jpg", ShotAt(2024, 5, 7))};
-    BuildPreview(entries, {kItemNone, kItemNone, kItemOldName, kResetNever});
-    EXPECT_EQ(entries[0].newPath, entries[0].oldPath);
-}
-
-TEST(RenameNaming, NoItemsAndNameWithoutTextGiveNoNewPath) {
-    std::vector<RenameEntry> entries{Photo(L"C:\\p\\.jpg", ShotAt(2024, 5, 7))};
-    BuildPreview(entries, {kItemNone, kItemNone, kItemNone, kResetNever});
-    EXPECT_EQ(entries[0].newPath, L"");
-    // The old name of ".jpg" is empty, so there is nothing to name the file after.
-    BuildPreview(entries, {kItemOldName, kItemNone, kItemNone, kResetNever});
-    EXPECT_EQ(entries[0].newPath, L"");
-    entries[0].oldPath = L"C:\\p\\NOEXT";
-    BuildPreview(entries, {kItemMonthDay, kItemNone, kItemNone, kResetNever});
-    EXPECT_EQ(entries[0].newPath, L"C:\\p\\0507");
-}
-
-TEST(RenameNaming, CounterRunsOnWithoutReset) {
-    std::vector<RenameEntry> entries{Photo(L"a.jpg", ShotAt(2024, 5, 5)), Photo(L"b.jpg", ShotAt(2024, 5, 6)),
-                                     Photo(L"c.jpg", ShotAt(2025, 1, 1))};
-    BuildPreview(entries, {kItemCounter3, kItemNone, kItemNone, kResetNever});
-    EXPECT_EQ(NewNames(entries), (std::vector<std::wstring>{L"001.jpg", L"002.jpg", L"003.jpg"}));
+    const struct {
+        RenameChoices choices;
+        const wchar_t *oldPath, *expected;
+    } cases[] = {
+        {{kItemDate8, kItemNone, kItemCounter1, kResetNever}, L"C:\\p\\IMG_0001.jpg", L"C:\\p\\20240507_1.jpg"},
+        {{kItemNone, kItemHourMinuteSec, kItemNone, kResetNever}, L"C:\\p\\IMG_0001.jpg", L"C:\\p\\102030.jpg"},
+        {{kItemOldName, kItemDate6, kItemHourMinute, kResetNever}, L"C:\\p\\IMG_0001.jpg",
+         L"C:\\p\\IMG_0001_240507_1020.jpg"},
+        {{kItemNone, kItemNone, kItemOldName, kResetNever}, L"C:\\p\\IMG_0001.jpg", L"C:\\p\\IMG_0001.jpg"},
+        {{kItemMonthDay, kItemNone, kItemNone, kResetNever}, L"C:\\p\\NOEXT", L"C:\\p\\0507"},
+        // No items, or a name without text (the old name of ".jpg" is empty): no new path.
+        {{kItemNone, kItemNone, kItemNone, kResetNever}, L"C:\\p\\.jpg", L""},
+        {{kItemOldName, kItemNone, kItemNone, kResetNever}, L"C:\\p\\.jpg", L""},
+    };
+    for (const auto& c : cases) {
+        std::vector<RenameEntry> entries{Photo(c.oldPath, ShotAt(2024, 5, 7, 10, 20, 30))};
+        BuildPreview(entries, c.choices);
+        EXPECT_EQ(entries[0].newPath, c.expected) << c.oldPath;
+    }
 }
 
 TEST(RenameNaming, ResetRulesCompareOneFieldOnly) {
@@ -120,14 +94,16 @@ TEST(RenameNaming, ResetRulesCompareOneFieldOnly) {
     std::vector<RenameEntry> entries{Photo(L"a.jpg", ShotAt(2024, 5, 5, 8)), Photo(L"b.jpg", ShotAt(2024, 5, 5, 9)),
                                      Photo(L"c.jpg", ShotAt(2024, 6, 5)), Photo(L"d.jpg", ShotAt(2024, 6, 6)),
                                      Photo(L"e.jpg", ShotAt(2025, 6, 6))};
-    BuildPreview(entries, {kItemCounter1, kItemNone, kItemNone, kResetOnDay});
-    EXPECT_EQ(NewNames(entries), (std::vector<std::wstring>{L"1.jpg", L"2.jpg", L"3.jpg", L"1.jpg", L"2.jpg"}));
-
-    BuildPreview(entries, {kItemCounter1, kItemNone, kItemNone, kResetOnMonth});
-    EXPECT_EQ(NewNames(entries), (std::vector<std::wstring>{L"1.jpg", L"2.jpg", L"1.jpg", L"2.jpg", L"3.jpg"}));
-
-    BuildPreview(entries, {kItemCounter1, kItemNone, kItemNone, kResetOnYear});
-    EXPECT_EQ(NewNames(entries), (std::vector<std::wstring>{L"1.jpg", L"2.jpg", L"3.jpg", L"4.jpg", L"1.jpg"}));
+    const std::pair<int, std::vector<std::wstring>> rules[] = {
+        {kResetNever, {L"001.jpg", L"002.jpg", L"003.jpg", L"004.jpg", L"005.jpg"}},
+        {kResetOnDay, {L"001.jpg", L"002.jpg", L"003.jpg", L"001.jpg", L"002.jpg"}},
+        {kResetOnMonth, {L"001.jpg", L"002.jpg", L"001.jpg", L"002.jpg", L"003.jpg"}},
+        {kResetOnYear, {L"001.jpg", L"002.jpg", L"003.jpg", L"004.jpg", L"001.jpg"}},
+    };
+    for (const auto& [rule, names] : rules) {
+        BuildPreview(entries, {kItemCounter3, kItemNone, kItemNone, rule});
+        EXPECT_EQ(NewNames(entries), names) << rule;
+    }
 }
 
 }  // namespace

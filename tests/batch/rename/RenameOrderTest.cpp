@@ -15,31 +15,22 @@ using lxtest::ShotAt;
 
 int Sign(int value) { return (value > 0) - (value < 0); }
 
-TEST(LogicalOrder, DigitRunsCompareByValue) {
-    EXPECT_LT(CompareLogical(L"IMG2.jpg", L"IMG10.jpg"), 0);
-    EXPECT_GT(CompareLogical(L"IMG10.jpg", L"IMG2.jpg"), 0);
-    EXPECT_LT(CompareLogical(L"a9b", L"a10a"), 0);
-    EXPECT_LT(CompareLogical(L"DSC_0099", L"DSC_100"), 0);
-    EXPECT_EQ(CompareLogical(L"x007", L"x7"), 0);
-    // Longer than any integer type: still compared by value.
-    EXPECT_LT(CompareLogical(L"n99999999999999999999999", L"n100000000000000000000000"), 0);
-}
-
-TEST(LogicalOrder, LettersIgnoreCase) {
-    EXPECT_EQ(CompareLogical(L"img_0001.JPG", L"IMG_0001.jpg"), 0);
-    EXPECT_LT(CompareLogical(L"apple", L"Banana"), 0);
-    EXPECT_LT(CompareLogical(L"Apple", L"banana"), 0);
-}
-
-TEST(LogicalOrder, DigitsThenPunctuationThenLetters) {
-    EXPECT_LT(CompareLogical(L"a1", L"a_1"), 0);
-    EXPECT_LT(CompareLogical(L"20240507_1.jpg", L"_DSC0001.NEF"), 0);
-    EXPECT_LT(CompareLogical(L"a_1", L"aa"), 0);
-    EXPECT_LT(CompareLogical(L"a1", L"aa"), 0);
-    EXPECT_LT(CompareLogical(L"a b", L"ab"), 0);
-    EXPECT_LT(CompareLogical(L"IMG", L"IMG1"), 0);
-    EXPECT_GT(CompareLogical(L"IMG1", L"IMG"), 0);
-    EXPECT_EQ(CompareLogical(L"", L""), 0);
+TEST(LogicalOrder, DigitRunsByValueLettersIgnoringCaseDigitsBeforePunctuationBeforeLetters) {
+    const struct {
+        const wchar_t *a, *b;
+        int sign;
+    } cases[] = {
+        {L"IMG2.jpg", L"IMG10.jpg", -1}, {L"a9b", L"a10a", -1}, {L"DSC_0099", L"DSC_100", -1}, {L"x007", L"x7", 0},
+        // Longer than any integer type: still compared by value.
+        {L"n99999999999999999999999", L"n100000000000000000000000", -1},
+        {L"img_0001.JPG", L"IMG_0001.jpg", 0}, {L"apple", L"Banana", -1}, {L"Apple", L"banana", -1},
+        {L"a1", L"a_1", -1}, {L"20240507_1.jpg", L"_DSC0001.NEF", -1}, {L"a_1", L"aa", -1}, {L"a1", L"aa", -1},
+        {L"a b", L"ab", -1}, {L"IMG", L"IMG1", -1}, {L"", L"", 0},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Sign(CompareLogical(c.a, c.b)), c.sign) << c.a << " " << c.b;
+        EXPECT_EQ(Sign(CompareLogical(c.b, c.a)), -c.sign) << c.b << " " << c.a;
+    }
 }
 
 TEST(LogicalOrder, IsAntisymmetricOverAMixedSet) {
@@ -66,30 +57,21 @@ TEST(RenameOrder, ShotTimeComparesToTheMillisecondIgnoringWeekday) {
     EXPECT_LT(CompareShotTimes(ShotAt(2024, 1, 1, 9, 59, 0), ShotAt(2024, 1, 1, 10, 0, 0)), 0);
 }
 
-TEST(RenameOrder, SortsByTimeThenByLogicalName) {
-    std::vector<RenameEntry> entries(5);
-    entries[0] = {L"C:\\p\\IMG10.jpg", L"", ShotAt(2024, 5, 7, 10, 0, 0)};
-    entries[1] = {L"C:\\p\\IMG2.jpg", L"", ShotAt(2024, 5, 7, 10, 0, 0)};
-    entries[2] = {L"C:\\p\\late.jpg", L"", ShotAt(2024, 5, 8, 0, 0, 0)};
-    entries[3] = {L"C:\\z\\early.jpg", L"", ShotAt(2023, 1, 1, 0, 0, 0)};
-    entries[4] = {L"C:\\a\\IMG3.jpg", L"", ShotAt(2024, 5, 7, 10, 0, 0)};
+TEST(RenameOrder, SortsByTimeThenByLogicalNameKeepingTheListOrderOfEquals) {
+    const ShootingTime tenOClock = ShotAt(2024, 5, 7, 10, 0, 0);
+    std::vector<RenameEntry> entries = {
+        {L"C:\\p\\IMG10.jpg", L"", tenOClock},          {L"C:\\p\\IMG2.jpg", L"", tenOClock},
+        {L"C:\\p\\late.jpg", L"", ShotAt(2024, 5, 8)},   {L"C:\\z\\early.jpg", L"", ShotAt(2023, 1, 1)},
+        {L"C:\\a\\IMG3.jpg", L"", tenOClock},           {L"C:\\b\\same.jpg", L"", tenOClock},
+        {L"C:\\a\\same.jpg", L"", tenOClock},           {L"C:\\c\\SAME.jpg", L"", tenOClock},
+    };
     SortRenameEntries(entries, CompareLogical);
     std::vector<std::wstring> order;
     for (const auto& e : entries) order.push_back(e.oldPath);
     // Same second: the names decide, not the folders.
     EXPECT_EQ(order, (std::vector<std::wstring>{L"C:\\z\\early.jpg", L"C:\\p\\IMG2.jpg", L"C:\\a\\IMG3.jpg",
-                                                 L"C:\\p\\IMG10.jpg", L"C:\\p\\late.jpg"}));
-}
-
-TEST(RenameOrder, EqualEntriesKeepTheirListOrder) {
-    std::vector<RenameEntry> entries(3);
-    entries[0] = {L"C:\\b\\same.jpg", L"", ShotAt(2024, 5, 7, 10, 0, 0)};
-    entries[1] = {L"C:\\a\\same.jpg", L"", ShotAt(2024, 5, 7, 10, 0, 0)};
-    entries[2] = {L"C:\\c\\SAME.jpg", L"", ShotAt(2024, 5, 7, 10, 0, 0)};
-    SortRenameEntries(entries, CompareLogical);
-    EXPECT_EQ(entries[0].oldPath, L"C:\\b\\same.jpg");
-    EXPECT_EQ(entries[1].oldPath, L"C:\\a\\same.jpg");
-    EXPECT_EQ(entries[2].oldPath, L"C:\\c\\SAME.jpg");
+                                                 L"C:\\p\\IMG10.jpg", L"C:\\b\\same.jpg", L"C:\\a\\same.jpg",
+                                                 L"C:\\c\\SAME.jpg", L"C:\\p\\late.jpg"}));
 }
 
 TEST(RenameOrder, GroupIdsFollowTheFormulaIncludingItsCollisions) {

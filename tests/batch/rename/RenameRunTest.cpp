@@ -81,21 +81,16 @@ TEST_F(RenameRunTest, AnsweringNoLeavesEveryFile) {
     EXPECT_EQ(sink.starts, 0);
 }
 
-TEST_F(RenameRunTest, NoItemsAsksNothingAndRenamesNothing) {
+TEST_F(RenameRunTest, NoItemsAsksNothingAndOldNameAloneRenamesNothing) {
     const ShootingTime t = ShotAt(2024, 5, 7);
     Add(L"d\\a.jpg", &t);
-    const RenameRunResult result = Run({}, {L"d\\a.jpg"});
-    EXPECT_EQ(result.listed, 1);
+    const RenameRunResult none = Run({}, {L"d\\a.jpg"});
+    EXPECT_EQ(none.listed, 1);
     EXPECT_TRUE(sink.messages.empty());
+    const RenameRunResult oldName = Run({kItemNone, kItemNone, kItemOldName, kResetNever}, {L"d\\a.jpg"});
+    EXPECT_TRUE(oldName.confirmed);
+    EXPECT_EQ(oldName.renamed, 0);
     EXPECT_EQ(folder.moves, 0);
-}
-
-TEST_F(RenameRunTest, OldNameItemAloneRenamesNothing) {
-    const ShootingTime t = ShotAt(2024, 5, 7);
-    Add(L"d\\a.jpg", &t);
-    const RenameRunResult result = Run({kItemNone, kItemNone, kItemOldName, kResetNever}, {L"d\\a.jpg"});
-    EXPECT_TRUE(result.confirmed);
-    EXPECT_EQ(result.renamed, 0);
     EXPECT_EQ(folder.files, (std::set<std::wstring>{L"d\\a.jpg"}));
 }
 
@@ -119,8 +114,9 @@ TEST_F(RenameRunTest, LockedFileAndTakenNamesLoseNothing) {
     Add(L"d\\b.jpg", &t);
     Add(L"d\\20240507_1.jpg", nullptr);
     folder.locked = {L"d\\a.jpg"};
-    Run({kItemDate8, kItemCounter1, 0, 0}, {L"d\\a.jpg", L"d\\b.jpg"});
+    EXPECT_EQ(Run({kItemDate8, kItemCounter1, 0, 0}, {L"d\\a.jpg", L"d\\b.jpg"}).renamed, 1);
     EXPECT_EQ(folder.files, (std::set<std::wstring>{L"d\\a.jpg", L"d\\20240507_1.jpg", L"d\\20240507_2.jpg"}));
+    EXPECT_EQ(sink.reports, (std::vector<std::wstring>{L"d\\b.jpg -> d\\20240507_2.jpg"}));
 }
 
 TEST_F(RenameRunTest, CancellingStopsBetweenFiles) {

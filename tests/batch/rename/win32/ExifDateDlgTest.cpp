@@ -18,7 +18,9 @@
 #include <set>
 #include <thread>
 
+#include "../../../lib/nccore/win32/DialogDriver.h"
 #include "../FakeRenameWorld.h"
+#include "DropList.h"
 #include "ExifDateDlgIds.h"
 #include "ModuleResources.h"
 #include "RenameChoices.h"
@@ -54,21 +56,6 @@ HWND WaitForDialog(const wchar_t* title) {
     HWND found = nullptr;
     WaitFor([&] { return (found = FindVisibleDialog(title)) != nullptr; });
     return found;
-}
-
-// Every text of the window's children, joined by line feeds (a message box's message).
-std::wstring ChildTexts(HWND window) {
-    std::wstring texts;
-    EnumChildWindows(
-        window,
-        [](HWND child, LPARAM param) -> BOOL {
-            wchar_t text[512] = {};
-            GetWindowTextW(child, text, 512);
-            *reinterpret_cast<std::wstring*>(param) += std::wstring(text) + L"\n";
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&texts));
-    return texts;
 }
 
 std::wstring ItemText(HWND list, int item, int column) {
@@ -144,12 +131,15 @@ int Selection(HWND dialog, int comboId) {
     return static_cast<int>(SendDlgItemMessageW(dialog, comboId, CB_GETCURSEL, 0, 0));
 }
 
-std::vector<std::wstring> NewNames(HWND dialog) {
+// The texts of one column of the file list, top to bottom.
+std::vector<std::wstring> Column(HWND dialog, int column) {
     HWND list = GetDlgItem(dialog, IDC_EXIFDATE_LIST);
-    std::vector<std::wstring> names;
-    for (int i = 0; i < ListView_GetItemCount(list); ++i) names.push_back(ItemText(list, i, 2));
-    return names;
+    std::vector<std::wstring> texts;
+    for (int i = 0; i < ListView_GetItemCount(list); ++i) texts.push_back(ItemText(list, i, column));
+    return texts;
 }
+
+std::vector<std::wstring> NewNames(HWND dialog) { return Column(dialog, 2); }
 
 // The window with the keyboard focus on the thread that runs `window`.
 HWND FocusOf(HWND window) {
@@ -163,18 +153,6 @@ void Press(HWND window, int button) { PostMessageW(window, WM_COMMAND, MAKEWPARA
 
 void HoldForScreenshot() {
     if (const char* hold = std::getenv("LX_SHOT_HOLD_MS")) Sleep(static_cast<DWORD>(std::atoi(hold)));
-}
-
-HDROP MakeDrop(const std::vector<std::wstring>& paths) {
-    std::wstring names;
-    for (const std::wstring& path : paths) names.append(path).push_back(L'\0');
-    names.push_back(L'\0');
-    HGLOBAL block = GlobalAlloc(GMEM_FIXED | GMEM_ZEROINIT, sizeof(DROPFILES) + names.size() * sizeof(wchar_t));
-    auto* header = static_cast<DROPFILES*>(block);
-    header->pFiles = sizeof(DROPFILES);
-    header->fWide = TRUE;
-    std::memcpy(header + 1, names.data(), names.size() * sizeof(wchar_t));
-    return static_cast<HDROP>(block);
 }
 
 // The host runs with version 6 of the common controls (the one with grouped list views);
@@ -243,7 +221,7 @@ protected:
     // the driver gives up, whatever is left open is cancelled so the tool returns.
     void RunTool(const std::vector<std::wstring>& files, const std::function<void()>& drive) {
         CommonControlsV6 v6;
-        HDROP drop = MakeDrop(files);
+        HDROP drop = lxtest::MakeDropList(files);
         std::thread driver([&] {
             drive();
             for (const wchar_t* title : {kMessageCaption, kDialogTitle}) {
@@ -282,15 +260,11 @@ TEST_F(ExifDateDlgTest, ListsPreviewsRenamesAndStoresTheChoices) {
         ASSERT_TRUE(dialog);
         HWND list = GetDlgItem(dialog, IDC_EXIFDATE_LIST);
         ASSERT_EQ(ListView_GetItemCount(list), 4);
-        EXPECT_EQ(ColumnTitle(list, 0), L"変更前の名前");
-        EXPECT_EQ(ColumnTitle(list, 1), L"撮影日時");
-        EXPECT_EQ(ColumnTitle(list, 2), L"変更後の名前");
+        EXPECT_EQ((std::vector<std::wstring>{ColumnTitle(list, 0), ColumnTitle(list, 1), ColumnTitle(list, 2)}),
+                  (std::vector<std::wstring>{L"変更前の名前", L"撮影日時", L"変更後の名前"}));
         EXPECT_EQ(ListView_GetColumnWidth(list, 2), 200);
         // Oldest first; of the two taken in the same second, IMG2 before IMG10.
-        EXPECT_EQ(ItemText(list, 0, 0), L"old.jpg");
-        EXPECT_EQ(ItemText(list, 1, 0), L"IMG2.jpg");
-        EXPECT_EQ(ItemText(list, 2, 0), L"IMG10.jpg");
-        EXPECT_EQ(ItemText(list, 3, 0), L"jun05.jpg");
+        EXPECT_EQ(Column(dialog, 0), (std::vector<std::wstring>{L"old.jpg", L"IMG2.jpg", L"IMG10.jpg", L"jun05.jpg"}));
         // Shooting time column: the user's long date, a blank, the user's time of day.
         EXPECT_EQ(ItemText(list, 1, 1), LongDate(2024, 5, 7) + L" " + TimeOfDay(10, 20, 30));
         // One group per day, headed by the long date, items in the group of their day. Wine's
@@ -321,7 +295,7 @@ TEST_F(ExifDateDlgTest, ListsPreviewsRenamesAndStoresTheChoices) {
         Press(dialog, IDOK);
         HWND question = WaitForDialog(kMessageCaption);
         ASSERT_TRUE(question);
-        EXPECT_NE(ChildTexts(question).find(L"実行しますか？"), std::wstring::npos);
+        EXPECT_NE(lxtest::AllChildTexts(question).find(L"実行しますか？"), std::wstring::npos);
         Press(question, IDYES);
         EXPECT_TRUE(WaitFor([&] { return !IsWindow(dialog); }));
     });
@@ -387,7 +361,7 @@ TEST_F(ExifDateDlgTest, NoPhotographWithShootingTimeShowsMessage4108) {
     RunTool(files, [&] {
         HWND message = WaitForDialog(kMessageCaption);
         ASSERT_TRUE(message);
-        EXPECT_NE(ChildTexts(message).find(L"撮影日時情報を持つExifファイルがありません。"), std::wstring::npos);
+        EXPECT_NE(lxtest::AllChildTexts(message).find(L"撮影日時情報を持つExifファイルがありません。"), std::wstring::npos);
         EXPECT_FALSE(FindVisibleDialog(kDialogTitle));
         Press(message, IDOK);
     });
