@@ -26,11 +26,12 @@ std::optional<lx::JpegFrameHeader> Find(const Bytes& b) { return lx::FindJpegFra
 
 TEST(JpegFrameHeader, AcceptsTheFourSequentialAndProgressiveFrameKinds) {
     for (uint8_t marker : {0xC0, 0xC1, 0xC2, 0xC3}) {
-        const auto frame = Find(JpegWithFrame(marker, 4000, 3000, 3));
+        // Sizes are read high byte first.
+        const auto frame = Find(JpegWithFrame(marker, 0x1234, 0xABCD, 4));
         ASSERT_TRUE(frame) << std::hex << int(marker);
-        EXPECT_EQ(frame->width, 4000u);
-        EXPECT_EQ(frame->height, 3000u);
-        EXPECT_EQ(frame->components, 3);
+        EXPECT_EQ(frame->width, 0x1234u);
+        EXPECT_EQ(frame->height, 0xABCDu);
+        EXPECT_EQ(frame->components, 4);
     }
 }
 
@@ -40,14 +41,6 @@ TEST(JpegFrameHeader, RefusesArithmeticAndOtherFrameKinds) {
     for (uint8_t marker : {0xC5, 0xC6, 0xC7, 0xC9, 0xCA, 0xCB, 0xCD, 0xCE, 0xCF}) {
         EXPECT_FALSE(Find(JpegWithFrame(marker, 640, 480, 3))) << std::hex << int(marker);
     }
-}
-
-TEST(JpegFrameHeader, ReadsSizesHighByteFirstAndTheComponentCount) {
-    const auto frame = Find(JpegWithFrame(0xC0, 0x1234, 0xABCD, 4));
-    ASSERT_TRUE(frame);
-    EXPECT_EQ(frame->width, 0x1234u);
-    EXPECT_EQ(frame->height, 0xABCDu);
-    EXPECT_EQ(frame->components, 4);
 }
 
 TEST(JpegFrameHeader, StopsAtTheFirstByteThatIsNotAMarker) {
@@ -85,8 +78,9 @@ TEST(JpegFrameHeader, ZeroLengthSegmentsStillMoveForward) {
     EXPECT_FALSE(Find(b));
 }
 
+#ifndef _WIN32
 TEST(JpegFrameHeader, FindsTheFrameOfFilesMadeByCjpeg) {
-    if (!pdftest::HaveOracles()) GTEST_SKIP() << "needs cjpeg and ImageMagick";
+    LX_REQUIRE_TOOLS("cjpeg convert");
     lxtest::ScratchDir dir("jpegframe");
     struct Case {
         const char* options;
@@ -109,5 +103,6 @@ TEST(JpegFrameHeader, FindsTheFrameOfFilesMadeByCjpeg) {
     ASSERT_TRUE(frame);
     EXPECT_EQ(frame->components, 4);
 }
+#endif
 
 }  // namespace

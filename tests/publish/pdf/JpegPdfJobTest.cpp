@@ -49,14 +49,6 @@ lx::JpegPdfJob MakeJob(const fs::path& output) {
 // Stands in for the codec library's probe: JPEG exactly for names ending in ".jpg".
 int ProbeByName(const fs::path& p) { return p.extension() == ".jpg" ? lx::kJpegImageType : 1; }
 
-TEST(JpegPdfJob, CountLimitsAreNoneAndMoreThan256) {
-    EXPECT_EQ(lx::JpegCountMessage(0), 4140u);
-    EXPECT_EQ(lx::JpegCountMessage(1), 0u);
-    EXPECT_EQ(lx::JpegCountMessage(256), 0u);
-    EXPECT_EQ(lx::JpegCountMessage(257), 4143u);
-    EXPECT_EQ(lx::JpegCountMessage(100000), 4143u);
-}
-
 TEST(JpegPdfJob, PdfExtensionIsAppendedUnlessAlreadyThereInAnyCase) {
     const std::map<std::wstring, std::wstring> cases = {
         {L"album", L"album.pdf"},

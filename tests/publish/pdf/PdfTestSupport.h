@@ -1,6 +1,6 @@
-// Helpers for the PDF tests: JPEG files made by Debian's cjpeg and ImageMagick from pictures
-// written here, a checker that every xref entry points where its object starts, and the
-// outside oracles (qpdf for structure, pdftoppm for the rendered pages).
+// Helpers for the PDF tests: a real tiny JPEG, frame-only JPEG files, a checker that every
+// xref entry points where its object starts, and (native builds only) JPEG files made by
+// cjpeg and ImageMagick and the outside oracles (qpdf for structure, pdftoppm for pages).
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,15 +16,6 @@
 namespace pdftest {
 
 namespace fs = std::filesystem;
-
-// The outside tools run on the build machine only; under Wine the tests that need them skip.
-inline bool HaveOracles() {
-#ifdef _WIN32
-    return false;
-#else
-    return lxtest::Run("command -v cjpeg qpdf pdftoppm convert >/dev/null 2>&1") == 0;
-#endif
-}
 
 // A 16x8 baseline JPEG made by cjpeg (-quality 50 -optimize).
 inline const std::vector<uint8_t> kTinyJpeg = {
@@ -58,6 +49,57 @@ inline void WriteFrameOnlyJpeg(const fs::path& path, uint16_t width, uint16_t he
     lxtest::WriteFile(path, b);
 }
 
+inline std::string ReadText(const fs::path& path) {
+    const auto bytes = lxtest::ReadFile(path);
+    return std::string(bytes.begin(), bytes.end());
+}
+
+// Checks the cross-reference table against the document itself: every in-use entry must give
+// the offset at which "N 0 obj" starts, except image objects, whose entry deliberately points
+// at the line break two bytes before. Also checks that startxref points at "xref".
+inline void ExpectXrefMatchesObjects(const std::string& pdf) {
+    const size_t xref = pdf.rfind("xref\r\n0 ");
+    ASSERT_NE(xref, std::string::npos);
+    const size_t startxref = pdf.rfind("startxref\r\n");
+    ASSERT_NE(startxref, std::string::npos);
+    EXPECT_EQ(std::stoll(pdf.substr(startxref + 11)), (long long)(xref));
+
+    const size_t countAt = xref + 8;
+    const int count = std::stoi(pdf.substr(countAt));
+    size_t line = pdf.find("\r\n", countAt) + 2;
+    for (int object = 0; object < count; ++object, line += 20) {
+        ASSERT_LE(line + 20, pdf.size());
+        const std::string entry = pdf.substr(line, 20);
+        if (object == 0) {
+            EXPECT_EQ(entry, "0000000000 65535 f\r\n");
+            continue;
+        }
+        ASSERT_EQ(entry.substr(10, 10), " 00000 n\r\n") << "object " << object;
+        const size_t offset = std::stoull(entry.substr(0, 10));
+        const std::string head = std::to_string(object) + " 0 obj\r\n";
+        const bool atObject = pdf.compare(offset, head.size(), head) == 0;
+        const bool twoEarly = pdf.compare(offset, 2, "\r\n") == 0 && pdf.compare(offset + 2, head.size(), head) == 0 &&
+                              pdf.compare(offset + 2 + head.size(), 15, "<</Type/XObject") == 0;
+        EXPECT_TRUE(atObject || twoEarly) << "object " << object << " entry " << entry;
+    }
+    EXPECT_EQ(pdf.compare(line, 9, "trailer\r\n"), 0);
+}
+
+// The structure check; natively qpdf checks the file as well.
+inline void ExpectQpdfAccepts(const fs::path& pdf) {
+    ExpectXrefMatchesObjects(ReadText(pdf));
+#ifndef _WIN32
+    LX_REQUIRE_TOOLS("qpdf");
+    const std::string command = "qpdf --check '" + pdf.string() + "' > '" + pdf.string() + ".qpdf.txt' 2>&1";
+    const int status = lxtest::Run(command);
+    EXPECT_EQ(status, 0) << ReadText(pdf.string() + ".qpdf.txt");
+    // qpdf exits 3 on warnings; also refuse any reconstruction of a damaged xref table.
+    EXPECT_EQ(ReadText(pdf.string() + ".qpdf.txt").find("WARNING"), std::string::npos)
+        << ReadText(pdf.string() + ".qpdf.txt");
+#endif
+}
+
+#ifndef _WIN32
 struct Rgb {
     uint8_t r, g, b;
 };
@@ -99,53 +141,6 @@ inline fs::path MakeCmykJpeg(const fs::path& dir, const std::string& name, int w
     return jpg;
 }
 
-inline std::string ReadText(const fs::path& path) {
-    const auto bytes = lxtest::ReadFile(path);
-    return std::string(bytes.begin(), bytes.end());
-}
-
-// Checks the cross-reference table against the document itself: every in-use entry must give
-// the offset at which "N 0 obj" starts, except image objects, whose entry deliberately points
-// at the line break two bytes before. Also checks that startxref points at "xref".
-inline void ExpectXrefMatchesObjects(const std::string& pdf) {
-    const size_t xref = pdf.rfind("xref\r\n0 ");
-    ASSERT_NE(xref, std::string::npos);
-    const size_t startxref = pdf.rfind("startxref\r\n");
-    ASSERT_NE(startxref, std::string::npos);
-    EXPECT_EQ(std::stoll(pdf.substr(startxref + 11)), (long long)(xref));
-
-    const size_t countAt = xref + 8;
-    const int count = std::stoi(pdf.substr(countAt));
-    size_t line = pdf.find("\r\n", countAt) + 2;
-    for (int object = 0; object < count; ++object, line += 20) {
-        ASSERT_LE(line + 20, pdf.size());
-        const std::string entry = pdf.substr(line, 20);
-        if (object == 0) {
-            EXPECT_EQ(entry, "0000000000 65535 f\r\n");
-            continue;
-        }
-        ASSERT_EQ(entry.substr(10, 10), " 00000 n\r\n") << "object " << object;
-        const size_t offset = std::stoull(entry.substr(0, 10));
-        const std::string head = std::to_string(object) + " 0 obj\r\n";
-        const bool atObject = pdf.compare(offset, head.size(), head) == 0;
-        const bool twoEarly = pdf.compare(offset, 2, "\r\n") == 0 && pdf.compare(offset + 2, head.size(), head) == 0 &&
-                              pdf.compare(offset + 2 + head.size(), 15, "<</Type/XObject") == 0;
-        EXPECT_TRUE(atObject || twoEarly) << "object " << object << " entry " << entry;
-    }
-    EXPECT_EQ(pdf.compare(line, 9, "trailer\r\n"), 0);
-}
-
-// Without qpdf (under Wine) the structure is still checked by ExpectXrefMatchesObjects.
-inline void ExpectQpdfAccepts(const fs::path& pdf) {
-    if (!HaveOracles()) return;
-    const std::string command = "qpdf --check '" + pdf.string() + "' > '" + pdf.string() + ".qpdf.txt' 2>&1";
-    const int status = lxtest::Run(command);
-    EXPECT_EQ(status, 0) << ReadText(pdf.string() + ".qpdf.txt");
-    // qpdf exits 3 on warnings; also refuse any reconstruction of a damaged xref table.
-    EXPECT_EQ(ReadText(pdf.string() + ".qpdf.txt").find("WARNING"), std::string::npos)
-        << ReadText(pdf.string() + ".qpdf.txt");
-}
-
 struct Raster {
     int width = 0;
     int height = 0;
@@ -178,5 +173,7 @@ inline Raster RenderPage(const fs::path& pdf, int page) {
 inline bool Near(Rgb a, Rgb b, int tolerance = 40) {
     return std::abs(a.r - b.r) <= tolerance && std::abs(a.g - b.g) <= tolerance && std::abs(a.b - b.b) <= tolerance;
 }
+
+#endif
 
 }  // namespace pdftest
