@@ -40,18 +40,13 @@ TEST(ToolBarTemplate, AcceptsResourcePaddingAndAnEmptyBar) {
 }
 
 TEST(ToolBarTemplate, RejectsBrokenBlocks) {
-    const auto wrongVersion = Words({2, 16, 15, 1, 100});
-    EXPECT_FALSE(lx::ParseToolBarTemplate(wrongVersion.data(), wrongVersion.size()));
-    const auto countTooLarge = Words({1, 16, 15, 3, 100, 101});
-    EXPECT_FALSE(lx::ParseToolBarTemplate(countTooLarge.data(), countTooLarge.size()));
-    const auto oddTail = Words({1, 16, 15, 2, 100});
-    std::vector<uint8_t> halfWord = oddTail;
+    auto halfWord = Words({1, 16, 15, 2, 100});
     halfWord.push_back(0x65);  // 2.5 items: the second is not all there
-    EXPECT_FALSE(lx::ParseToolBarTemplate(halfWord.data(), halfWord.size()));
-    const auto zeroSize = Words({1, 0, 15, 1, 100});
-    EXPECT_FALSE(lx::ParseToolBarTemplate(zeroSize.data(), zeroSize.size()));
-    const auto header = Words({1, 16, 15});
-    EXPECT_FALSE(lx::ParseToolBarTemplate(header.data(), header.size()));
+    for (const auto& bytes : {Words({2, 16, 15, 1, 100}),        // wrong version
+                              Words({1, 16, 15, 3, 100, 101}),   // count too large
+                              halfWord, Words({1, 0, 15, 1, 100}),  // zero image width
+                              Words({1, 16, 15})})                 // header only
+        EXPECT_FALSE(lx::ParseToolBarTemplate(bytes.data(), bytes.size()));
     EXPECT_FALSE(lx::ParseToolBarTemplate(nullptr, 0));
 }
 

@@ -79,10 +79,10 @@ TEST(RunModuleCommandLine, QuotesTheModuleAndPathsWithBlanks) {
     const std::wstring line = lx::ModuleEntryCommandLine(L"C:\\Program Files\\lxpicture.dll", L"slideRun", L"x.jpg");
     EXPECT_NE(line.find(L"rundll32.exe\" \"C:\\Program Files\\lxpicture.dll\",slideRun x.jpg"), std::wstring::npos)
         << line;
-    EXPECT_EQ(lx::QuoteIfBlank(L"C:\\a\\b.jpg"), L"C:\\a\\b.jpg");
-    EXPECT_EQ(lx::QuoteIfBlank(L"C:\\a b\\c.jpg"), L"\"C:\\a b\\c.jpg\"");
-    EXPECT_EQ(lx::QuoteIfBlank(L"\"C:\\a b\\c.jpg\""), L"\"C:\\a b\\c.jpg\"");
-    EXPECT_EQ(lx::QuoteIfBlank(L"C:\\a\tb"), L"\"C:\\a\tb\"");
+    for (auto [in, out] : std::vector<std::pair<std::wstring, std::wstring>>{
+             {L"C:\\a\\b.jpg", L"C:\\a\\b.jpg"}, {L"C:\\a b\\c.jpg", L"\"C:\\a b\\c.jpg\""},
+             {L"\"C:\\a b\\c.jpg\"", L"\"C:\\a b\\c.jpg\""}, {L"C:\\a\tb", L"\"C:\\a\tb\""}})
+        EXPECT_EQ(lx::QuoteIfBlank(in), out);
     EXPECT_FALSE(lx::RunThisModule(nullptr, nullptr, L"x", L"/image"));
     EXPECT_FALSE(lx::StartModuleEntry(L"", L"pxfRun", L"x"));
 }
@@ -163,22 +163,15 @@ TEST_F(ResourceModule, ToolBarComesFromTheResource) {
     ASSERT_NE(bar, nullptr);
     ASSERT_EQ(SendMessageW(bar, TB_BUTTONCOUNT, 0, 0), 4);
     EXPECT_EQ(GetDlgCtrlID(bar), 59392);
-    int commands[4] = {}, images[4] = {};
-    bool separators[4] = {};
+    // Each button as "command/image", separators as "-": they take no image of the strip.
+    std::wstring buttons;
     for (int i = 0; i < 4; ++i) {
         TBBUTTON button = {};
         SendMessageW(bar, TB_GETBUTTON, i, reinterpret_cast<LPARAM>(&button));
-        commands[i] = button.idCommand;
-        images[i] = button.iBitmap;
-        separators[i] = (button.fsStyle & BTNS_SEP) != 0;
+        buttons += (button.fsStyle & BTNS_SEP) ? L"- "
+                                               : std::to_wstring(button.idCommand) + L"/" + std::to_wstring(button.iBitmap) + L" ";
     }
-    EXPECT_EQ(commands[0], 2001);
-    EXPECT_EQ(commands[2], 2002);
-    EXPECT_EQ(commands[3], 2003);
-    EXPECT_TRUE(separators[1]);
-    EXPECT_FALSE(separators[2]);
-    EXPECT_EQ(images[0], 0);
-    EXPECT_EQ(images[3], 2);  // separators take no image of the strip
+    EXPECT_EQ(buttons, L"2001/0 - 2002/1 2003/2 ");
     EXPECT_EQ(lx::CreateToolBarFromResource(parent, module_, 31999, WS_CHILD, 1), nullptr);
     const uint16_t broken[] = {1, 16, 16, 9, 2001};  // claims nine items, holds one
     EXPECT_EQ(lx::CreateToolBarFromTemplate(parent, module_, 300, broken, sizeof(broken), WS_CHILD, 1), nullptr);
