@@ -1,9 +1,12 @@
 #include "ConvertRun.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <system_error>
 
+#include "AtomicFile.h"
 #include "ConvertNaming.h"
 #include "ConvertSave.h"
 #include "ConvertScaling.h"
@@ -86,6 +89,56 @@ bool WriteResult(const std::wstring& source, const std::wstring& destination, co
     return written;
 }
 
+bool IsPlainFile(const fs::directory_entry& entry) {
+    std::error_code error;
+    return entry.symlink_status(error).type() == fs::file_type::regular;
+}
+
+// Undoes what a run killed in `folder` left there. Only our own names are touched: a
+// temporary file of a cut-short write is removed, and a set-aside picture "NAME.~NN" goes back
+// to NAME when that name is free (else it stays; it never replaces a file). A run going on in
+// the same folder at the same time loses nothing by this: its write fails or its source is
+// back early, and a failed write puts nothing in place of a source.
+void RecoverInterruptedWork(const fs::path& folder) {
+    std::vector<fs::path> ours;
+    std::error_code error;
+    for (fs::directory_iterator it(folder, fs::directory_options::skip_permission_denied, error), end;
+         !error && it != end; it.increment(error)) {
+        const std::wstring name = it->path().filename().wstring();
+        if (IsPlainFile(*it) && (IsAtomicTemporaryName(name) || !SetAsideOriginal(name).empty()))
+            ours.push_back(it->path());
+    }
+    std::sort(ours.begin(), ours.end());  // "a.~00" goes back before "a.~01" is looked at
+    for (const fs::path& path : ours) {
+        const std::wstring name = path.filename().wstring();
+        if (IsAtomicTemporaryName(name)) {
+            fs::remove(path, error);
+            continue;
+        }
+        // Only pictures: a name like "notes.~01" may be some other program's.
+        const fs::path original = path.parent_path() / SetAsideOriginal(name);
+        if (ImageTypeFromPath(original.wstring().c_str()) != kImageUnknown && !Exists(original.wstring()))
+            fs::rename(path, original, error);
+    }
+}
+
+// The folders a run touches: those of its sources and the output folder, each once.
+std::vector<fs::path> RunFolders(const std::wstring& outputFolder, const std::vector<std::wstring>& files) {
+    std::set<fs::path> folders{fs::path(outputFolder)};
+    for (const std::wstring& file : files) folders.insert(fs::path(file).parent_path());
+    return {folders.begin(), folders.end()};
+}
+
+// The sources left alone for another's output name, one a line; ten at most, so that the
+// message fits on the screen.
+std::wstring SourceList(const std::vector<std::wstring>& sources) {
+    constexpr size_t kShown = 10;
+    std::wstring list;
+    for (size_t i = 0; i < sources.size() && i < kShown; ++i) list += (i ? L"\n" : L"") + sources[i];
+    if (sources.size() > kShown) list += L"\n...";
+    return list;
+}
+
 }  // namespace
 
 ConvertRunResult RunConversion(const ConvertOptions& options, const std::vector<std::wstring>& files,
@@ -95,13 +148,20 @@ ConvertRunResult RunConversion(const ConvertOptions& options, const std::vector<
     const uint64_t total = files.size();
     sink.StartProgress(texts.title, texts.loading);
     sink.SetProgress(0, total);
+    for (const fs::path& touched : RunFolders(folder, files)) RecoverInterruptedWork(touched);
+    const std::vector<std::wstring> destinations = PlanDestinations(folder, files, options.saveType);
     for (size_t index = 0; index < files.size(); ++index) {
         if (sink.Cancelled()) {
             result.cancelled = true;
             break;
         }
         const std::wstring& source = files[index];
-        const std::wstring destination = ConvertDestination(folder, source, options.saveType);
+        const std::wstring& destination = destinations[index];
+        if (destination.empty()) {
+            result.sameDestination.push_back(source);
+            ++result.skipped;
+            continue;
+        }
         sink.SetLine(1, texts.loading, false);
         sink.SetLine(2, source, true);
 
@@ -130,6 +190,8 @@ ConvertRunResult RunConversion(const ConvertOptions& options, const std::vector<
         sink.SetProgress(index, total);
     }
     sink.EndProgress();
+    if (!result.sameDestination.empty())
+        sink.Message(kMsgSameDestination, SourceList(result.sameDestination), kMbOk | kMbIconWarning);
     return result;
 }
 

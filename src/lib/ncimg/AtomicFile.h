@@ -8,9 +8,14 @@
 #include <cstdint>
 #include <filesystem>
 #include <span>
+#include <string>
 
 namespace lx {
 
 bool WriteFileAtomically(const std::filesystem::path& target, std::span<const uint8_t> bytes);
+
+// True for a file name ("a.jpg.~lx123-4.tmp") of the form WriteFileAtomically gives its
+// temporary files: what a write cut short by a killed process leaves behind.
+bool IsAtomicTemporaryName(const std::wstring& fileName);
 
 }  // namespace lx

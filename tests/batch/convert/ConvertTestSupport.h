@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "ImageLoad.h"
 #include "ImageProbe.h"
 #include "ImageSave.h"
@@ -54,6 +56,7 @@ inline std::string Identify(const std::filesystem::path& file) {
     if (!dib || name == kNames.end()) return {};
     return name->second + " " + std::to_string(dib->width()) + " " + std::to_string(dib->height());
 #else
+    if (!HaveTools("identify")) ADD_FAILURE() << "identify is missing (scripts/setup.sh installs it)";
     const std::filesystem::path out = file.string() + ".identify";
     const int status = Run("identify -format '%m %w %h' '" + file.string() + "' > '" + out.string() + "' 2>/dev/null");
     std::string text;
@@ -87,8 +90,8 @@ public:
     }
     bool Cancelled() override { return cancelAfterChecks >= 0 && checks++ >= cancelAfterChecks; }
     void EndProgress() override { events.push_back(L"end"); }
-    int Message(unsigned textId, const std::wstring&, unsigned) override {
-        events.push_back(L"message " + std::to_wstring(textId));
+    int Message(unsigned textId, const std::wstring& argument, unsigned) override {
+        events.push_back(L"message " + std::to_wstring(textId) + (argument.empty() ? L"" : L" " + argument));
         return lx::kIdOk;
     }
     void Report(const std::wstring& line) override { reports.push_back(line); }

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # lxhost convert --unattended under Wine, its outputs read back by ImageMagick's identify:
 # scaling by long and short side, a.png to JPEG in its own folder, a.jpeg replaced in place
-# with --delete-source, an unreadable file skipped (exit 1) while the others are written.
+# with --delete-source, an unreadable file skipped (exit 1) while the others are written, two
+# sources for one output name (the first converted, the second left and named), and what a
+# killed run left behind put right by the next run.
 #   unattended_identify.sh LXHOST.EXE
 set -euo pipefail
 lxhost=$1
@@ -45,4 +47,25 @@ wine "$lxhost" convert --unattended --format 2 --jpeg-quality 40 --delete-source
 expect "$work/b.jpeg" "JPEG 600x400"
 [ "$(md5sum < "$work/b.jpeg")" != "$before" ] || fail "b.jpeg was not rewritten"
 ls "$work" | grep -q '\.~' && fail "a set-aside file was left behind"
+
+mkdir "$work/same"
+convert -size 40x30 xc:red "$work/same/x.png"
+convert -size 20x10 xc:blue "$work/same/x.bmp"
+second=$(md5sum < "$work/same/x.bmp")
+status=0
+wine "$lxhost" convert --unattended --format 2 --delete-source --output "$(winpath "$work/same")" \
+    "$(winpath "$work/same/x.png")" "$(winpath "$work/same/x.bmp")" >/dev/null 2>"$work/same.err" || status=$?
+[ $status -eq 1 ] || fail "a source left alone must give exit status 1, got $status"
+expect "$work/same/x.jpg" "JPEG 40x30"
+[ "$(md5sum < "$work/same/x.bmp")" = "$second" ] || fail "the second source must stay as it was"
+tr '\n' ' ' < "$work/same.err" | grep -q "message 4161: .*x\.bmp" || fail "the run must name the source it left"
+
+mkdir "$work/killed"
+cp "$work/b.jpeg" "$work/killed/c.jpeg.~00"     # set aside by a killed run
+echo partial > "$work/killed/c.jpeg.~lx7-1.tmp"  # its cut-short write
+cp "$work/b.jpeg" "$work/killed/d.jpeg"
+wine "$lxhost" convert --unattended --format 10 --output "$(winpath "$work/killed")" \
+    "$(winpath "$work/killed/d.jpeg")" >/dev/null
+[ "$(ls "$work/killed" | tr '\n' ' ')" = "c.jpeg d.jpeg d.png " ] || fail "killed run not undone: $(ls "$work/killed")"
+expect "$work/killed/c.jpeg" "JPEG 600x400"
 echo "PASS"
