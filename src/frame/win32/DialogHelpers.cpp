@@ -11,6 +11,7 @@
 #include <shlwapi.h>
 #include <shobjidl.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace lx {
@@ -252,6 +253,20 @@ int RadioGroupSelection(HWND dialog, int firstId, int lastId) {
         if (IsDlgButtonChecked(dialog, id) == BST_CHECKED) return id;
     }
     return 0;
+}
+
+void CentreDialog(HWND dialog) {
+    HWND owner = GetWindow(dialog, GW_OWNER);
+    RECT work{}, area{}, box{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    if (!owner || !GetWindowRect(owner, &area)) area = work;
+    GetWindowRect(dialog, &box);
+    const int width = box.right - box.left, height = box.bottom - box.top;
+    int x = (area.left + area.right - width) / 2, y = (area.top + area.bottom - height) / 2;
+    // Keep the whole dialog on the screen even when the owner is near an edge.
+    x = std::max(static_cast<int>(work.left), std::min(x, static_cast<int>(work.right) - width));
+    y = std::max(static_cast<int>(work.top), std::min(y, static_cast<int>(work.bottom) - height));
+    SetWindowPos(dialog, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 }  // namespace lx

@@ -59,4 +59,8 @@ bool ShowImageFileDialog(HWND owner, UINT titleId, UINT filterId, wchar_t* path,
 // checked or the range is empty.
 int RadioGroupSelection(HWND dialog, int firstId, int lastId);
 
+// Centres `dialog` over its owner, or on the work area when it has none (a template's 0, 0
+// would put it in the screen's corner), keeping it whole on the work area. For WM_INITDIALOG.
+void CentreDialog(HWND dialog);
+
 }  // namespace lx

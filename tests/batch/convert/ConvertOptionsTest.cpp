@@ -3,20 +3,12 @@
 #include <vector>
 
 #include "ConvertOptions.h"
+#include "ConvertTestSupport.h"
 
 namespace lx {
 namespace {
 
-// Every field in stored order, the folder quoted: one line to compare a record by.
-std::wstring Fields(const ConvertOptions& o) {
-    std::wstring line;
-    for (int32_t v : {o.saveType, o.resizeMode, o.size, o.resize, o.noEnlarge, o.deleteSource}) line += std::to_wstring(v) + L" ";
-    line += L"'" + OutputFolder(o) + L"'";
-    for (int32_t v : {o.jpegForm, o.jpegQuality, o.jpegSmoothing, o.fpxUseJpeg, o.fpxQuality, o.reserved0, o.reserved1,
-                      o.jp2Ratio, o.reserved2[0], o.reserved2[1]})
-        line += L" " + std::to_wstring(v);
-    return line;
-}
+using lxtest::Fields;
 
 const std::wstring kDefaults = L"2 2 100 1 0 0 '' 0 94 0 1 94 0 0 8 0 0";
 

@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ConvertOptions.h"
 #include "ImageLoad.h"
 #include "ImageProbe.h"
 #include "ImageSave.h"
@@ -22,23 +23,13 @@
 
 namespace lxtest {
 
-// A 24-bit picture with a diagonal gradient, so that scaling has something to average.
-inline lx::PackedDib GradientDib(int width, int height) {
-    lx::PackedDib dib = lx::PackedDib::Create(width, height, 24);
-    for (int y = 0; y < height; ++y) {
-        uint8_t* row = dib.row(y);
-        for (int x = 0; x < width; ++x) {
-            row[3 * x] = static_cast<uint8_t>(x * 255 / (width > 1 ? width - 1 : 1));
-            row[3 * x + 1] = static_cast<uint8_t>(y * 255 / (height > 1 ? height - 1 : 1));
-            row[3 * x + 2] = static_cast<uint8_t>((x + y) & 0xff);
-        }
-    }
-    return dib;
-}
-
-// A bitmap file of the given size under `path`, whatever its extension says.
+// A 24-bit bitmap file with a gradient (so that scaling has something to average) under
+// `path`, whatever its extension says.
 inline void WriteBitmapFile(const std::filesystem::path& path, int width, int height) {
-    if (!lx::SaveBmpFile(path, GradientDib(width, height))) throw std::runtime_error("cannot write test bitmap");
+    lx::PackedDib dib = lx::PackedDib::Create(width, height, 24);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < 3 * width; ++x) dib.row(y)[x] = static_cast<uint8_t>((x * 255 / (3 * width)) ^ (y & 0x3f));
+    if (!lx::SaveBmpFile(path, dib)) throw std::runtime_error("cannot write test bitmap");
 }
 
 // identify's "%m %w %h" of a file ("JPEG 1000 667"), empty when it cannot read it. Under Wine
@@ -67,6 +58,17 @@ inline std::string Identify(const std::filesystem::path& file) {
     std::filesystem::remove(out);
     return text;
 #endif
+}
+
+// Every field of a conversion record in stored order, the folder quoted: one line to compare.
+inline std::wstring Fields(const lx::ConvertOptions& o) {
+    std::wstring line;
+    for (int32_t v : {o.saveType, o.resizeMode, o.size, o.resize, o.noEnlarge, o.deleteSource}) line += std::to_wstring(v) + L" ";
+    line += L"'" + OutputFolder(o) + L"'";
+    for (int32_t v : {o.jpegForm, o.jpegQuality, o.jpegSmoothing, o.fpxUseJpeg, o.fpxQuality, o.reserved0, o.reserved1,
+                      o.jp2Ratio, o.reserved2[0], o.reserved2[1]})
+        line += L" " + std::to_wstring(v);
+    return line;
 }
 
 inline std::vector<std::string> Listing(const std::filesystem::path& folder) {

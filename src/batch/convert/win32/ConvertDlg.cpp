@@ -91,6 +91,7 @@ INT_PTR CALLBACK CConvertDlg::DialogProc(HWND dialog, UINT message, WPARAM wPara
         SetWindowLongPtrW(dialog, DWLP_USER, lParam);
         auto* self = reinterpret_cast<CConvertDlg*>(lParam);
         self->dialog_ = dialog;
+        CentreDialog(dialog);
         self->OnInitDialog();
         return TRUE;
     }
@@ -156,7 +157,7 @@ void CConvertDlg::FillPercents() {
 void CConvertDlg::ShowResize() {
     int mode = working_.resizeMode;
     if (mode < kResizeLongSide || mode > kResizePercent) mode = kResizePercent;
-    CheckRadioButton(dialog_, IDC_CONVERT_BY_LONG, IDC_CONVERT_BY_PERCENT, IDC_CONVERT_BY_LONG + mode);
+    ChooseMode(mode);
     const std::wstring size = std::to_wstring(working_.size);
     if (mode == kResizePercent) {
         HWND combo = GetDlgItem(dialog_, IDC_CONVERT_PERCENT);
@@ -191,17 +192,17 @@ int CConvertDlg::SelectedFormatRow() const {
     return ListView_GetNextItem(GetDlgItem(dialog_, IDC_CONVERT_FORMATS), -1, LVNI_SELECTED);
 }
 
-int CConvertDlg::CheckedMode() const {
-    const int checked = RadioGroupSelection(dialog_, IDC_CONVERT_BY_LONG, IDC_CONVERT_BY_PERCENT);
-    return checked ? checked - IDC_CONVERT_BY_LONG : kResizePercent;
+// Checks the radio of `mode` and clears the other two, whatever the buttons did themselves.
+void CConvertDlg::ChooseMode(int mode) {
+    mode_ = mode;
+    CheckRadioButton(dialog_, IDC_CONVERT_BY_LONG, IDC_CONVERT_BY_PERCENT, IDC_CONVERT_BY_LONG + mode);
 }
 
 void CConvertDlg::EnableControls() {
     const bool resize = IsDlgButtonChecked(dialog_, IDC_CONVERT_RESIZE) == BST_CHECKED;
-    const int mode = CheckedMode();
     for (int id = IDC_CONVERT_BY_LONG; id <= IDC_CONVERT_BY_PERCENT; ++id) EnableWindow(GetDlgItem(dialog_, id), resize);
-    for (int i = 0; i < 3; ++i) EnableWindow(GetDlgItem(dialog_, kSizeFields[i]), resize && mode == i);
-    EnableWindow(GetDlgItem(dialog_, IDC_CONVERT_NO_ENLARGE), resize && mode != kResizePercent);
+    for (int i = 0; i < 3; ++i) EnableWindow(GetDlgItem(dialog_, kSizeFields[i]), resize && mode_ == i);
+    EnableWindow(GetDlgItem(dialog_, IDC_CONVERT_NO_ENLARGE), resize && mode_ != kResizePercent);
     const int row = SelectedFormatRow();
     EnableWindow(GetDlgItem(dialog_, IDC_CONVERT_FORMAT_OPTIONS),
                  row == kJpegRow || row == kFpxRow || row == kJpeg2000Row);
@@ -209,10 +210,12 @@ void CConvertDlg::EnableControls() {
 
 void CConvertDlg::OnCommand(int id, int code) {
     switch (id) {
-    case IDC_CONVERT_RESIZE:
     case IDC_CONVERT_BY_LONG:
     case IDC_CONVERT_BY_SHORT:
     case IDC_CONVERT_BY_PERCENT:
+        if (code == BN_CLICKED) ChooseMode(id - IDC_CONVERT_BY_LONG);
+        [[fallthrough]];
+    case IDC_CONVERT_RESIZE:
         if (code == BN_CLICKED) EnableControls();
         break;
     case IDC_CONVERT_FORMAT_OPTIONS:
@@ -268,7 +271,7 @@ void CConvertDlg::OnOk() {
     ConvertOptions chosen = working_;
     chosen.saveType = kSaveFormats[row].id;
     chosen.resize = IsDlgButtonChecked(dialog_, IDC_CONVERT_RESIZE) == BST_CHECKED ? 1 : 0;
-    chosen.resizeMode = CheckedMode();
+    chosen.resizeMode = mode_;
     BOOL read = FALSE;
     const int field = kSizeFields[chosen.resizeMode];
     chosen.size = static_cast<int32_t>(GetDlgItemInt(dialog_, field, &read, TRUE));

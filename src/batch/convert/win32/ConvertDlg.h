@@ -45,7 +45,7 @@ private:
     void LoadFolderHistory();
     void EnableControls();
     int SelectedFormatRow() const;
-    int CheckedMode() const;
+    void ChooseMode(int mode);
     void Refuse(int controlId);
 
     ConvertOptions& options_;
@@ -53,6 +53,9 @@ private:
     SettingsStore& settings_;
     HWND dialog_ = nullptr;
     HIMAGELIST icons_ = nullptr;
+    // The scaling mode of the radio clicked last: it, not whichever radio happens to be
+    // checked first, is the one that counts.
+    int mode_ = kResizePercent;
 };
 
 }  // namespace lx

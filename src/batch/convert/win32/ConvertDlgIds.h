@@ -28,6 +28,8 @@
 #define IDC_OPTION_PROGRESSIVE 1154
 #define IDC_OPTION_FPX_JPEG 1155
 #define IDC_OPTION_RATIO_LABEL 1156
+#define IDC_OPTION_QUALITY_VALUE 1157    // the quality slider's number
+#define IDC_OPTION_SMOOTHING_VALUE 1158  // the smoothing slider's number
 
 // The string-table texts of the conversion.
 #define IDS_CONVERT_TITLE 4160

@@ -20,6 +20,7 @@ INT_PTR CALLBACK CFormatOptionDlg::DialogProc(HWND dialog, UINT message, WPARAM 
         SetWindowLongPtrW(dialog, DWLP_USER, lParam);
         auto* self = reinterpret_cast<CFormatOptionDlg*>(lParam);
         self->dialog_ = dialog;
+        CentreDialog(dialog);
         self->OnInitDialog();
         return TRUE;
     }
@@ -44,13 +45,27 @@ INT_PTR CALLBACK CFormatOptionDlg::DialogProc(HWND dialog, UINT message, WPARAM 
     }
 }
 
-void CFormatOptionDlg::SetUpSlider(int id, int low, int high, int position, int page, int line, int tickEvery) {
+void CFormatOptionDlg::SetUpSlider(int id, int low, int high, int position, int page, int line, int tickEvery,
+                                   int labelId, const wchar_t* format) {
     HWND slider = GetDlgItem(dialog_, id);
     SendMessageW(slider, TBM_SETRANGE, FALSE, MAKELPARAM(low, high));
     SendMessageW(slider, TBM_SETPAGESIZE, 0, page);
     if (line > 0) SendMessageW(slider, TBM_SETLINESIZE, 0, line);
     SendMessageW(slider, TBM_SETTICFREQ, tickEvery, 0);
     SendMessageW(slider, TBM_SETPOS, TRUE, position);
+    labels_.push_back({id, labelId, format});
+    ShowSliderValue(labels_.back());
+}
+
+void CFormatOptionDlg::ShowSliderValue(const SliderLabel& label) {
+    wchar_t text[32];
+    std::swprintf(text, 32, label.format, SliderPosition(label.sliderId));
+    SetDlgItemTextW(dialog_, label.labelId, text);
+}
+
+void CFormatOptionDlg::OnScroll(HWND slider) {
+    for (const SliderLabel& label : labels_)
+        if (GetDlgItem(dialog_, label.sliderId) == slider) ShowSliderValue(label);
 }
 
 int CFormatOptionDlg::SliderPosition(int id) const {
@@ -60,8 +75,8 @@ int CFormatOptionDlg::SliderPosition(int id) const {
 CJpegOption::CJpegOption(ConvertOptions& options) : CFormatOptionDlg(options, IDD_JPEGOPTION) {}
 
 void CJpegOption::OnInitDialog() {
-    SetUpSlider(IDC_OPTION_QUALITY, 1, 100, options_.jpegQuality, 5, 0, 5);
-    SetUpSlider(IDC_OPTION_SMOOTHING, 1, 100, options_.jpegSmoothing, 5, 0, 5);
+    SetUpSlider(IDC_OPTION_QUALITY, 1, 100, options_.jpegQuality, 5, 0, 5, IDC_OPTION_QUALITY_VALUE, L"%d");
+    SetUpSlider(IDC_OPTION_SMOOTHING, 1, 100, options_.jpegSmoothing, 5, 0, 5, IDC_OPTION_SMOOTHING_VALUE, L"%d");
     int form = options_.jpegForm;
     if (form < kJpegFormStandard || form > kJpegFormProgressive) form = kJpegFormStandard;
     CheckRadioButton(dialog_, IDC_OPTION_STANDARD, IDC_OPTION_PROGRESSIVE, IDC_OPTION_STANDARD + form);
@@ -78,7 +93,7 @@ CFpxOption::CFpxOption(ConvertOptions& options) : CFormatOptionDlg(options, IDD_
 
 void CFpxOption::OnInitDialog() {
     CheckDlgButton(dialog_, IDC_OPTION_FPX_JPEG, options_.fpxUseJpeg ? BST_CHECKED : BST_UNCHECKED);
-    SetUpSlider(IDC_OPTION_QUALITY, 1, 100, options_.fpxQuality, 5, 0, 5);
+    SetUpSlider(IDC_OPTION_QUALITY, 1, 100, options_.fpxQuality, 5, 0, 5, IDC_OPTION_QUALITY_VALUE, L"%d");
     EnableQuality();
 }
 
@@ -98,18 +113,7 @@ void CFpxOption::OnOk() {
 CJp2Option::CJp2Option(ConvertOptions& options) : CFormatOptionDlg(options, IDD_JP2OPTION) {}
 
 void CJp2Option::OnInitDialog() {
-    SetUpSlider(IDC_OPTION_QUALITY, 1, 100, options_.jp2Ratio, 30, 2, 5);
-    ShowRatio();
-}
-
-void CJp2Option::OnScroll(HWND slider) {
-    if (slider == GetDlgItem(dialog_, IDC_OPTION_QUALITY)) ShowRatio();
-}
-
-void CJp2Option::ShowRatio() {
-    wchar_t text[32];
-    std::swprintf(text, 32, L"1/%d", SliderPosition(IDC_OPTION_QUALITY));
-    SetDlgItemTextW(dialog_, IDC_OPTION_RATIO_LABEL, text);
+    SetUpSlider(IDC_OPTION_QUALITY, 1, 100, options_.jp2Ratio, 30, 2, 5, IDC_OPTION_RATIO_LABEL, L"1/%d");
 }
 
 void CJp2Option::OnOk() { options_.jp2Ratio = SliderPosition(IDC_OPTION_QUALITY); }

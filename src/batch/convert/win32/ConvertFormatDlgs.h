@@ -4,9 +4,13 @@
 //   CJpegOption  quality and smoothing sliders, standard / optimised baseline / progressive
 //   CFpxOption   JPEG-compressed tiles on or off, and their quality
 //   CJp2Option   the compression ratio, shown as "1/N" while the slider moves
+//
+// Each slider has a label beside it that shows its current value as it moves.
 #pragma once
 
 #include <windows.h>
+
+#include <vector>
 
 #include "ConvertOptions.h"
 
@@ -25,19 +29,29 @@ protected:
     virtual void OnInitDialog() = 0;
     virtual void OnOk() = 0;
     virtual void OnCommand(int id) { (void)id; }
-    virtual void OnScroll(HWND slider) { (void)slider; }
 
     // A track bar from `low` to `high` at `position`, with its page and line steps and a
-    // tick every `tickEvery`.
-    void SetUpSlider(int id, int low, int high, int position, int page, int line, int tickEvery);
+    // tick every `tickEvery`; the label `labelId` shows its position through `format` ("%d").
+    void SetUpSlider(int id, int low, int high, int position, int page, int line, int tickEvery, int labelId,
+                     const wchar_t* format);
     int SliderPosition(int id) const;
 
     ConvertOptions& options_;
     HWND dialog_ = nullptr;
 
 private:
+    struct SliderLabel {
+        int sliderId;
+        int labelId;
+        const wchar_t* format;
+    };
+
     static INT_PTR CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+    void ShowSliderValue(const SliderLabel& label);
+    void OnScroll(HWND slider);
+
     int templateId_;
+    std::vector<SliderLabel> labels_;
 };
 
 class CJpegOption : public CFormatOptionDlg {
@@ -67,8 +81,6 @@ public:
 private:
     void OnInitDialog() override;
     void OnOk() override;
-    void OnScroll(HWND slider) override;
-    void ShowRatio();
 };
 
 }  // namespace lx

@@ -3,7 +3,6 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
-#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -90,7 +89,7 @@ BOOL CExifDateDlg::OnInitDialog() {
         EndDialog(dialog_, IDCANCEL);
         return TRUE;
     }
-    PlaceOverOwner();
+    CentreDialog(dialog_);
     ListView_EnableGroupView(list_, TRUE);
     FillCombos();
     SHFILEINFOW info{};
@@ -115,21 +114,6 @@ BOOL CExifDateDlg::OnInitDialog() {
     SelectChoices(UnpackRenameChoices(settings.ReadNumber(kSettingsSection, kRenameValue, 0)));
     UpdatePreview();
     return TRUE;
-}
-
-void CExifDateDlg::PlaceOverOwner() {
-    HWND owner = GetWindow(dialog_, GW_OWNER);
-    RECT area{}, box{};
-    if (!owner || !GetWindowRect(owner, &area)) SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
-    GetWindowRect(dialog_, &box);
-    const int width = box.right - box.left, height = box.bottom - box.top;
-    RECT work{};
-    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
-    int x = (area.left + area.right - width) / 2, y = (area.top + area.bottom - height) / 2;
-    // Keep the whole dialog on the screen even when the owner is near an edge.
-    x = std::max(static_cast<int>(work.left), std::min(x, static_cast<int>(work.right) - width));
-    y = std::max(static_cast<int>(work.top), std::min(y, static_cast<int>(work.bottom) - height));
-    SetWindowPos(dialog_, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void CExifDateDlg::FillCombos() {

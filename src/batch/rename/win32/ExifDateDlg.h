@@ -33,7 +33,6 @@ private:
     void OnOk();
     void OnDestroy();
 
-    void PlaceOverOwner();
     void FillCombos();
     void AddColumns();
     void AddEntries(std::vector<RenameEntry> entries);

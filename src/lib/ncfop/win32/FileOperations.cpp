@@ -4,6 +4,7 @@
 #include "CoreServices.h"
 
 #include <shlobj.h>
+#include <shlwapi.h>
 
 namespace lx {
 
@@ -26,9 +27,24 @@ wchar_t DriveLetter(wchar_t c) {
     return (c >= L'A' && c <= L'Z') ? c : 0;
 }
 
+// `path` itself when it is a folder, else its nearest parent that is; empty when none is. The
+// shell's picker selects nothing (and shows its root) for a path it cannot find, such as an
+// output folder that the tool has yet to create.
+std::wstring NearestExistingFolder(const wchar_t* path) {
+    wchar_t folder[kPathChars] = {};
+    lstrcpynW(folder, path, static_cast<int>(kPathChars));
+    while (folder[0] != L'\0' && !PathIsDirectoryW(folder)) {
+        if (!PathRemoveFileSpecW(folder)) return std::wstring();
+    }
+    return folder;
+}
+
 int CALLBACK SelectStartFolder(HWND dialog, UINT message, LPARAM, LPARAM start) {
     if (message == BFFM_INITIALIZED && start != 0 && *reinterpret_cast<const wchar_t*>(start)) {
         SendMessageW(dialog, BFFM_SETSELECTIONW, TRUE, start);
+        // The new-style picker may still be filling its tree and drop that selection (the first
+        // picker of a process does): ask once more when the dialog has taken its first messages.
+        PostMessageW(dialog, BFFM_SETSELECTIONW, TRUE, start);
     }
     return 0;
 }
@@ -38,11 +54,12 @@ int CALLBACK SelectStartFolder(HWND dialog, UINT message, LPARAM, LPARAM start) 
 bool BrowseForFolder(HWND owner, wchar_t* folder) {
     if (folder == nullptr) return false;
     ComScope com;
+    const std::wstring start = NearestExistingFolder(folder);
     BROWSEINFOW info = {};
     info.hwndOwner = owner;
     info.ulFlags = BIF_RETURNONLYFSDIRS | BIF_NEWDIALOGSTYLE;
     info.lpfn = SelectStartFolder;
-    info.lParam = reinterpret_cast<LPARAM>(folder);
+    info.lParam = reinterpret_cast<LPARAM>(start.c_str());
     PIDLIST_ABSOLUTE chosen = SHBrowseForFolderW(&info);
     if (chosen == nullptr) return false;
     wchar_t path[kPathChars] = {};

@@ -10,8 +10,9 @@
 
 namespace lx {
 
-// The shell's folder picker, starting at the folder in `folder` (a 520-character buffer);
-// on OK the chosen file-system folder is written back. False when cancelled.
+// The shell's folder picker, starting at the folder in `folder` (a 520-character buffer), or
+// at its nearest parent that exists; on OK the chosen file-system folder is written back.
+// False when cancelled.
 bool BrowseForFolder(HWND owner, wchar_t* folder);
 
 // True when `folder` exists as a folder or could be created with its parents. Otherwise the
