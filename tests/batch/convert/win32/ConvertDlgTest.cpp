@@ -67,10 +67,12 @@ std::wstring Controls(HWND d) {
     return line;
 }
 
-// A dialog that the driven dialog shows, found from the driver thread by its owner.
-HWND WaitForOwned(HWND owner) {
-    for (int i = 0; i < 200; ++i) {
-        std::pair<HWND, HWND> search{owner, nullptr};
+// Presses `button` and returns the dialog it shows, found from the driver thread by its owner.
+HWND OpenOwned(HWND dialog, int button) {
+    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), 0);
+    std::pair<HWND, HWND> search{dialog, nullptr};
+    for (int i = 0; i < 200 && search.second == nullptr; ++i) {
+        Sleep(50);
         EnumWindows(
             [](HWND w, LPARAM p) -> BOOL {
                 auto* s = reinterpret_cast<std::pair<HWND, HWND>*>(p);
@@ -78,15 +80,8 @@ HWND WaitForOwned(HWND owner) {
                 return s->second == nullptr;
             },
             reinterpret_cast<LPARAM>(&search));
-        if (search.second != nullptr) return search.second;
-        Sleep(50);
     }
-    return nullptr;
-}
-
-HWND OpenOwned(HWND dialog, int button) {
-    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), 0);
-    return WaitForOwned(dialog);
+    return search.second;
 }
 
 void Slide(HWND dialog, int id, int position) {
