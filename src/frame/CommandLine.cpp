@@ -1,5 +1,7 @@
 #include "CommandLine.h"
 
+#include <algorithm>
+
 namespace lx {
 
 std::wstring SkipLeadingOptions(std::wstring_view commandLine) {
@@ -13,6 +15,24 @@ std::wstring SkipLeadingOptions(std::wstring_view commandLine) {
     std::wstring rest(commandLine.substr(at));
     if (rest.size() > kPathChars - 1) rest.resize(kPathChars - 1);
     return rest;
+}
+
+bool IsRequestKeyName(std::wstring_view name) {
+    if (name.empty() || name.size() > kMaxRequestKeyChars) return false;
+    size_t start = 0;
+    while (true) {
+        const size_t end = std::min(name.find(L'\\', start), name.size());
+        const std::wstring_view part = name.substr(start, end - start);
+        if (part == L"." || part == L"..") return false;
+        bool blank = true;
+        for (wchar_t c : part) {
+            if (c < 0x20 || c == 0x7f) return false;
+            if (c != L' ' && c != 0x3000) blank = false;  // ASCII and ideographic space
+        }
+        if (blank) return false;  // also an empty part: a leading, trailing or doubled backslash
+        if (end == name.size()) return true;
+        start = end + 1;
+    }
 }
 
 }  // namespace lx

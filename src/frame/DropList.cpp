@@ -10,25 +10,28 @@ uint32_t Le32(const uint8_t* p) {
 
 }  // namespace
 
-bool IsWellFormedDropList(const uint8_t* block, size_t size) {
-    if (block == nullptr || size < kDropFilesHeaderBytes) return false;
-    const size_t names = Le32(block);
+std::vector<std::wstring> DropListNames(const uint8_t* block, size_t size, NarrowToWide widen) {
+    if (block == nullptr || size < kDropFilesHeaderBytes) return {};
+    const size_t first = Le32(block);
     const bool wide = Le32(block + 16) != 0;
-    if (names < kDropFilesHeaderBytes || names > size) return false;
+    if (first < kDropFilesHeaderBytes || first > size) return {};
     const size_t unit = wide ? 2 : 1;
-    // Walk name by name; an empty name closes the list.
-    size_t at = names;
-    while (at + unit <= size) {
-        size_t length = 0;
-        while (at + unit <= size && (block[at] != 0 || (wide && block[at + 1] != 0))) {
-            at += unit;
-            ++length;
+    std::vector<std::wstring> names;
+    // Name by name; an empty name closes the list.
+    for (size_t at = first;;) {
+        std::wstring wideName;
+        std::string narrowName;
+        for (;; at += unit) {
+            if (at + unit > size) return {};  // a name or the list runs past the block
+            const unsigned code = wide ? block[at] | (block[at + 1] << 8) : block[at];
+            if (code == 0) break;
+            if (wide) wideName.push_back(static_cast<wchar_t>(code));
+            else narrowName.push_back(static_cast<char>(code));
         }
-        if (at + unit > size) return false;  // name runs past the block
         at += unit;
-        if (length == 0) return true;
+        if (wideName.empty() && narrowName.empty()) return names;
+        names.push_back(wide ? std::move(wideName) : widen(narrowName));
     }
-    return false;
 }
 
 }  // namespace lx

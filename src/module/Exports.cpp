@@ -3,23 +3,34 @@
 // does what the wide one does. The batch and publishing entries take the name of a request
 // key; the frame tools take a path.
 #include <windows.h>
-#include <shellapi.h>
 #include <shlwapi.h>
 
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "ActivationScope.h"
 #include "CommandLine.h"
-#include "DropList.h"
+#include "DropListPaths.h"
 #include "FrameRunner.h"
 #include "ModuleResources.h"
 #include "SettingsStore.h"
 #include "ToolRequest.h"
-#include "ToolWorkers.h"
+// The tools: each one's worker (batch, publishing) or frame (viewer), known here alone.
+#include "ContrastResizeTool.h"
+#include "ConvertImageTool.h"
+#include "Jpeg2PdfTool.h"
+#include "PickoutThumbnailTool.h"
+#include "RenameTool.h"
+#include "SplitImageTool.h"
+#include "ViewFrame.h"
+#include "WebAlbumTool.h"
 
 namespace {
 
 constexpr int kWideLineChars = 1040;
+
+using Files = std::vector<std::wstring>;
 
 // The eight-bit command line in a wide buffer of `chars` characters.
 std::wstring WidenCommandLine(const char* commandLine, int chars) {
@@ -46,24 +57,23 @@ std::wstring PathLineFromEitherWidth(LPWSTR line, std::wstring (*pathOf)(const w
     return pathOf(line);
 }
 
-bool DropIsWellFormed(HGLOBAL drop) {
-    const void* p = GlobalLock(drop);
-    const bool ok = p && lx::IsWellFormedDropList(static_cast<const uint8_t*>(p), GlobalSize(drop));
-    GlobalUnlock(drop);
-    return ok;
-}
-
-// Reads the request named by the command line and hands its drop list to the tool; the
-// list is freed here whatever happened, never by the worker. A list whose names would run
-// off its block counts as no list: the shell's readers would walk past it.
+// Reads the request named by the command line and hands its files to the tool. The drop
+// block is freed here whatever happened; a block that holds no file name, or whose names
+// would run off its end, starts nothing.
 template <typename Worker>
 int RunBatchTool(const wchar_t* keyName, Worker worker) {
     lx::ActivationScope controls;
     lx::ScopedToolRequest scoped;
-    if (lx::ReadToolRequest(scoped.request, keyName) && scoped.request.drop && DropIsWellFormed(scoped.request.drop))
-        worker(scoped.request);
+    if (!lx::ReadToolRequest(scoped.request, keyName)) return 0;
+    const Files files = lx::DropListPaths(scoped.request.drop);
+    if (!files.empty()) worker(files, scoped.request);
     return 0;
 }
+
+std::unique_ptr<lx::TopFrame> MakeEditorFrame() { return lx::MakePlaceholderFrame(L"LXPHOTOEDIT_FRAME", 4); }
+std::unique_ptr<lx::TopFrame> MakeSlideFrame() { return lx::MakePlaceholderFrame(L"LXSLIDESHOW_FRAME", 7); }
+
+constexpr lx::FrameFactories kFrames = {&MakeEditorFrame, &lx::MakeViewerFrame, &MakeSlideFrame};
 
 }  // namespace
 
@@ -71,66 +81,66 @@ int RunBatchTool(const wchar_t* keyName, Worker worker) {
 #define LX_EXPORT extern "C"
 
 LX_EXPORT int WINAPI RunConvertImageW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
-    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
-        lx::RunConvertImageTool(owner, static_cast<HDROP>(r.drop));
+    return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
+        lx::ConvertImageFiles(owner, files);
     });
 }
 
 LX_EXPORT int WINAPI RunSplitImageW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
-    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
-        lx::RunSplitImageTool(owner, static_cast<HDROP>(r.drop));
+    return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
+        lx::RunSplitImageTool(owner, files);
     });
 }
 
 LX_EXPORT int WINAPI RunContrastResizeW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
-    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
-        lx::RunContrastResizeTool(owner, static_cast<HDROP>(r.drop));
+    return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
+        lx::RunContrastResizeTool(owner, files);
     });
 }
 
 LX_EXPORT int WINAPI RunRenameToExifDateW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
-    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
-        lx::RunRenameToExifDateTool(owner, static_cast<HDROP>(r.drop));
+    return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
+        lx::RunRenameToExifDateTool(owner, files);
     });
 }
 
 LX_EXPORT int WINAPI RunPickoutThumbnailW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
-    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
-        lx::RunPickoutThumbnailTool(owner, static_cast<HDROP>(r.drop), r.path);
+    return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
+        lx::RunPickoutThumbnailTool(owner, files, request.path);
     });
 }
 
 LX_EXPORT int WINAPI RunWebAlbumW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
-    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
+    return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
         std::vector<uint8_t> status(lx::kWebAlbumStatusBytes);
         lx::SettingsStore settings;
         if (settings.ReadBlock(MAKEINTRESOURCEW(4408), MAKEINTRESOURCEW(4612), status.data(),
                                lx::kWebAlbumStatusBytes) != lx::kWebAlbumStatusBytes)
             status.clear();
-        lx::RunWebAlbumTool(owner, static_cast<HDROP>(r.drop), status);
+        lx::RunWebAlbumTool(owner, files, status);
     });
 }
 
 LX_EXPORT int WINAPI RunJpeg2PdfW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
-    return RunBatchTool(commandLine, [&](lx::ToolRequest& r) {
-        lx::RunJpeg2PdfTool(owner, static_cast<HDROP>(r.drop));
+    return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
+        lx::ConvertJpegsToPdf(owner, files);
     });
 }
 
 LX_EXPORT int WINAPI pxfRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
     lx::ActivationScope controls;
-    return lx::RunFrameTool(commandLine ? commandLine : L"", showCmd, lx::FrameMode::Editor);
+    return lx::RunFrameTool(commandLine ? commandLine : L"", showCmd, lx::FrameMode::Editor, kFrames);
 }
 
 LX_EXPORT int WINAPI imgRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
     lx::ActivationScope controls;
     return lx::RunFrameTool(PathLineFromEitherWidth(commandLine, &lx::ViewerPathFromCommandLine), showCmd,
-                            lx::FrameMode::Viewer);
+                            lx::FrameMode::Viewer, kFrames);
 }
 
 LX_EXPORT int WINAPI slideRunW(HWND, HINSTANCE, LPWSTR commandLine, int showCmd) {
     lx::ActivationScope controls;
-    return lx::RunSlideShowTool(PathLineFromEitherWidth(commandLine, &lx::UnquotedPath), showCmd);
+    return lx::RunSlideShowTool(PathLineFromEitherWidth(commandLine, &lx::UnquotedPath), showCmd, kFrames.slide);
 }
 
 // Eight-bit variants.

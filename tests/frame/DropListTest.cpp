@@ -2,65 +2,52 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
-using lx::IsWellFormedDropList;
+#include "DropBlock.h"
+
+using lx::DropListNames;
+using Names = std::vector<std::wstring>;
 
 namespace {
 
-std::vector<uint8_t> Header(uint32_t offset, bool wide) {
-    std::vector<uint8_t> h(20, 0);
-    h[0] = static_cast<uint8_t>(offset);
-    h[16] = wide ? 1 : 0;
-    return h;
-}
+// Eight-bit names as the test spells them: one byte, one character.
+std::wstring Latin1(const std::string& name) { return std::wstring(name.begin(), name.end()); }
 
-void AddWide(std::vector<uint8_t>& b, const char16_t* text) {
-    for (const char16_t* p = text;; ++p) {
-        b.push_back(static_cast<uint8_t>(*p & 0xff));
-        b.push_back(static_cast<uint8_t>(*p >> 8));
-        if (!*p) break;
-    }
+Names Read(const std::vector<uint8_t>& block) { return DropListNames(block.data(), block.size(), &Latin1); }
+
+std::vector<uint8_t> Bytes(std::initializer_list<uint8_t> header, const std::string& rest = {}) {
+    std::vector<uint8_t> block(header);
+    block.insert(block.end(), rest.begin(), rest.end());
+    return block;
 }
 
 }  // namespace
 
-TEST(DropList, AcceptsWideAndEightBitLists) {
-    auto wide = Header(20, true);
-    AddWide(wide, u"C:\\a.jpg");
-    AddWide(wide, u"C:\\\u5199.jpg");
-    AddWide(wide, u"");
-    EXPECT_TRUE(IsWellFormedDropList(wide.data(), wide.size()));
-
-    auto narrow = Header(20, false);
-    for (char c : std::string("C:\\a.jpg")) narrow.push_back(static_cast<uint8_t>(c));
-    narrow.insert(narrow.end(), {0, 0});
-    EXPECT_TRUE(IsWellFormedDropList(narrow.data(), narrow.size()));
-
-    auto empty = Header(20, true);
-    empty.insert(empty.end(), {0, 0});
-    EXPECT_TRUE(IsWellFormedDropList(empty.data(), empty.size()));
+TEST(DropList, ReadsWideAndEightBitNamesInListOrder) {
+    const Names wide = {L"C:\\b\\2.jpg", L"C:\\a\\1.jpg", L"D:\\\u5199\u771f\\3.jpg"};
+    EXPECT_EQ(Read(lxtest::WideDropBlock(wide)), wide);
+    const auto narrow = Bytes({24, 0, 0, 0, /* pFiles */ 0, 0, 0, 0, 0, 0, 0, 0, /* pt */ 0, 0, 0, 0, /* fNC */
+                               0, 0, 0, 0, /* fWide: no */ 9, 9, 9, 9 /* gap before the names */},
+                              std::string("C:\\a.jpg\0C:\\b.jpg\0\0", 18));
+    EXPECT_EQ(Read(narrow), (Names{L"C:\\a.jpg", L"C:\\b.jpg"}));
 }
 
-TEST(DropList, RefusesListsThatRunOffTheBlock) {
-    auto unclosed = Header(20, true);
-    AddWide(unclosed, u"C:\\a.jpg");  // no closing empty name
-    EXPECT_FALSE(IsWellFormedDropList(unclosed.data(), unclosed.size()));
-
-    auto halfUnit = Header(20, true);
-    AddWide(halfUnit, u"C:\\a.jpg");
-    halfUnit.push_back(0);  // one byte of the closing NUL
-    EXPECT_FALSE(IsWellFormedDropList(halfUnit.data(), halfUnit.size()));
-
-    auto badOffset = Header(200, true);
-    badOffset.insert(badOffset.end(), {0, 0});
-    EXPECT_FALSE(IsWellFormedDropList(badOffset.data(), badOffset.size()));
-
-    auto insideHeader = Header(4, true);
-    insideHeader.insert(insideHeader.end(), {0, 0});
-    EXPECT_FALSE(IsWellFormedDropList(insideHeader.data(), insideHeader.size()));
-
-    EXPECT_FALSE(IsWellFormedDropList(nullptr, 0));
-    const uint8_t tiny[3] = {};
-    EXPECT_FALSE(IsWellFormedDropList(tiny, sizeof tiny));
+TEST(DropList, EmptyOrRunawayListsGiveNoName) {
+    auto unclosed = lxtest::WideDropBlock({L"C:\\a.jpg"});
+    unclosed.resize(unclosed.size() - 2);  // no closing empty name
+    auto halfUnit = lxtest::WideDropBlock({L"C:\\a.jpg"});
+    halfUnit.pop_back();  // one byte of the closing NUL
+    auto badOffset = lxtest::WideDropBlock({});
+    badOffset[0] = 200;  // names would start past the block
+    auto insideHeader = lxtest::WideDropBlock({L"C:\\a.jpg"});
+    insideHeader[0] = 4;
+    const std::vector<uint8_t> blocks[] = {
+        lxtest::WideDropBlock({}),  // the header and the closing NUL only
+        unclosed, halfUnit, badOffset, insideHeader,
+        std::vector<uint8_t>(3),
+    };
+    for (const auto& block : blocks) EXPECT_EQ(Read(block), Names{}) << testing::PrintToString(block);
+    EXPECT_EQ(DropListNames(nullptr, 0, &Latin1), Names{});
 }

@@ -20,28 +20,20 @@ struct PathBuffer {
 };
 
 TEST(ImageTypeFromPath, FollowsTheTableWithoutRegardToCase) {
-    EXPECT_EQ(lx::ImageTypeFromPath(L"C:\\photos\\IMG_0001.JPE"), 2);
-    EXPECT_EQ(lx::ImageTypeFromPath(L"scan.Xjg"), 10);
-    EXPECT_EQ(lx::ImageTypeFromPath(L"P1000.rw2"), 37);
-    EXPECT_EQ(lx::ImageTypeFromPath(L"still.jp2"), 24);
-    EXPECT_EQ(lx::ImageTypeFromPath(L"a.TIFF"), 4);
-    EXPECT_EQ(lx::ImageTypeFromPath(L"a.pgm"), 17);
-    EXPECT_EQ(lx::ImageTypeFromPath(L"a.RGB"), 14);
-    EXPECT_EQ(lx::ImageTypeFromPath(L"a.3fr"), 39);
-    EXPECT_EQ(lx::ImageTypeFromPath(L"a.sr2"), 32);
-    EXPECT_EQ(lx::ImageTypeFromPath(L"a.cr2"), 26);
-}
-
-TEST(ImageTypeFromPath, GivesUnknownForNoUsableExtension) {
-    EXPECT_EQ(lx::ImageTypeFromPath(nullptr), 0);
-    EXPECT_EQ(lx::ImageTypeFromPath(L"README"), 0);
-    EXPECT_EQ(lx::ImageTypeFromPath(L""), 0);
-    EXPECT_EQ(lx::ImageTypeFromPath(L"photo."), 0);
-    EXPECT_EQ(lx::ImageTypeFromPath(L"photo.jpg.bak"), 0);   // only the last dot counts
-    EXPECT_EQ(lx::ImageTypeFromPath(L"photo.jpgx"), 0);      // whole extension, not a prefix
-    EXPECT_EQ(lx::ImageTypeFromPath(L"photo.jp"), 0);        // nor a prefix of one
-    EXPECT_EQ(lx::ImageTypeFromPath(L"C:\\a.jpg\\file"), 0);
-    EXPECT_EQ(lx::ImageTypeFromPath(L"a.\u00cdCO"), 0);      // non-ASCII letters are not folded
+    const struct {
+        const wchar_t* path;
+        int type;
+    } cases[] = {
+        {L"C:\\photos\\IMG_0001.JPE", 2}, {L"scan.Xjg", 10}, {L"P1000.rw2", 37}, {L"still.jp2", 24},
+        {L"a.TIFF", 4}, {L"a.pgm", 17}, {L"a.RGB", 14}, {L"a.3fr", 39}, {L"a.sr2", 32}, {L"a.cr2", 26},
+        {nullptr, 0}, {L"README", 0}, {L"", 0}, {L"photo.", 0},
+        {L"photo.jpg.bak", 0},     // only the last dot counts
+        {L"photo.jpgx", 0},        // whole extension, not a prefix
+        {L"photo.jp", 0},          // nor a prefix of one
+        {L"C:\\a.jpg\\file", 0},
+        {L"a.\u00cdCO", 0},        // non-ASCII letters are not folded
+    };
+    for (const auto& c : cases) EXPECT_EQ(lx::ImageTypeFromPath(c.path), c.type) << (c.path ? c.path : L"null");
 }
 
 TEST(MayCarryExif, OnlyJpegTiffAndRawKinds) {
@@ -54,50 +46,29 @@ TEST(MayCarryExif, OnlyJpegTiffAndRawKinds) {
     EXPECT_EQ(carriers, expected);
 }
 
-TEST(ForceSaveExtension, KeepsAPathThatAlreadyHasTheTargetType) {
-    PathBuffer dib(L"C:\\work\\scan.dib");
-    EXPECT_TRUE(lx::ForceSaveExtension(dib.chars, 1));
-    EXPECT_EQ(dib.str(), L"C:\\work\\scan.dib");
-
-    PathBuffer jpeg(L"C:\\work\\photo.JPEG");
-    EXPECT_TRUE(lx::ForceSaveExtension(jpeg.chars, 2));
-    EXPECT_EQ(jpeg.str(), L"C:\\work\\photo.JPEG");
-}
-
-TEST(ForceSaveExtension, ReplacesAnotherTypesExtension) {
-    PathBuffer png(L"C:\\work\\photo.png");
-    EXPECT_TRUE(lx::ForceSaveExtension(png.chars, 2));
-    EXPECT_EQ(png.str(), L"C:\\work\\photo.jpg");
-
-    PathBuffer bare(L"C:\\work.d\\photo");
-    EXPECT_TRUE(lx::ForceSaveExtension(bare.chars, 10));
-    EXPECT_EQ(bare.str(), L"C:\\work.d\\photo.png");
-
-    PathBuffer twoDots(L"C:\\work\\photo.jpg.bak");
-    EXPECT_TRUE(lx::ForceSaveExtension(twoDots.chars, 2));
-    EXPECT_EQ(twoDots.str(), L"C:\\work\\photo.jpg.jpg");
-
-    PathBuffer jpeg2000(L"a.tif");
-    EXPECT_TRUE(lx::ForceSaveExtension(jpeg2000.chars, 24));
-    EXPECT_EQ(jpeg2000.str(), L"a.jp2");
-}
-
-TEST(ForceSaveExtension, NamesPnmOutputsPpm) {
-    PathBuffer bmp(L"C:\\work\\photo.bmp");
-    EXPECT_TRUE(lx::ForceSaveExtension(bmp.chars, 17));
-    EXPECT_EQ(bmp.str(), L"C:\\work\\photo.ppm");
-    // .pnm already is type 17 and stays, although a fresh name would get .ppm.
-    PathBuffer pnm(L"photo.pnm");
-    EXPECT_TRUE(lx::ForceSaveExtension(pnm.chars, 17));
-    EXPECT_EQ(pnm.str(), L"photo.pnm");
-}
-
-TEST(ForceSaveExtension, RefusesTypesWithoutAnOwnExtension) {
-    // 9 (Sun raster) and 14 (SGI) are save-filter rows but have no forced extension.
-    for (int target : {9, 14, 0, 7, 11, 12, 22, 25, 26, 39, -1, 1000}) {
-        PathBuffer path(L"C:\\work\\photo.png");
-        EXPECT_FALSE(lx::ForceSaveExtension(path.chars, target)) << target;
-        EXPECT_EQ(path.str(), L"C:\\work\\photo.png") << target;
+TEST(ForceSaveExtension, KeepsTheTargetTypesExtensionAndReplacesAnyOther) {
+    const struct {
+        const wchar_t* path;
+        int target;
+        const wchar_t* result;  // null: refused, the path left as it is
+    } cases[] = {
+        {L"C:\\work\\scan.dib", 1, L"C:\\work\\scan.dib"},
+        {L"C:\\work\\photo.JPEG", 2, L"C:\\work\\photo.JPEG"},
+        {L"C:\\work\\photo.png", 2, L"C:\\work\\photo.jpg"},
+        {L"C:\\work.d\\photo", 10, L"C:\\work.d\\photo.png"},
+        {L"C:\\work\\photo.jpg.bak", 2, L"C:\\work\\photo.jpg.jpg"},
+        {L"a.tif", 24, L"a.jp2"},
+        {L"C:\\work\\photo.bmp", 17, L"C:\\work\\photo.ppm"},  // PNM outputs are named .ppm,
+        {L"photo.pnm", 17, L"photo.pnm"},                        // but .pnm already is type 17
+        // 9 (Sun raster) and 14 (SGI) are save-filter rows without a forced extension.
+        {L"photo.png", 9, nullptr}, {L"photo.png", 14, nullptr}, {L"photo.png", 0, nullptr},
+        {L"photo.png", 7, nullptr}, {L"photo.png", 22, nullptr}, {L"photo.png", 26, nullptr},
+        {L"photo.png", -1, nullptr}, {L"photo.png", 1000, nullptr},
+    };
+    for (const auto& c : cases) {
+        PathBuffer path(c.path);
+        EXPECT_EQ(lx::ForceSaveExtension(path.chars, c.target), c.result != nullptr) << c.path << " " << c.target;
+        EXPECT_EQ(path.str(), c.result ? c.result : c.path) << c.target;
     }
 }
 
@@ -115,29 +86,6 @@ TEST(ForceSaveExtension, LeavesAPathTooLongForTheShellRename) {
     PathBuffer edge(full);
     EXPECT_TRUE(lx::ForceSaveExtension(edge.chars, 2));
     EXPECT_EQ(edge.str(), full);
-}
-
-TEST(RenamePathExtension, BehavesLikeTheShellRename) {
-    PathBuffer blankAfterDot(L"C:\\a.b c");
-    EXPECT_TRUE(lx::RenamePathExtension(blankAfterDot.chars, L".jpg"));
-    EXPECT_EQ(blankAfterDot.str(), L"C:\\a.b c.jpg");  // a blank ends the extension search
-
-    PathBuffer folderDot(L"C:\\my.photos\\img");
-    EXPECT_TRUE(lx::RenamePathExtension(folderDot.chars, L".gif"));
-    EXPECT_EQ(folderDot.str(), L"C:\\my.photos\\img.gif");
-
-    // Right at the limit: the dot at 255 plus ".jpg" is 259 characters, still accepted;
-    // one more is refused.
-    const std::wstring at255 = std::wstring(255, L'a') + L".png";
-    PathBuffer fits(at255);
-    EXPECT_TRUE(lx::RenamePathExtension(fits.chars, L".jpg"));
-    EXPECT_EQ(fits.str(), std::wstring(255, L'a') + L".jpg");
-    const std::wstring at256 = std::wstring(256, L'a') + L".png";
-    PathBuffer tooLong(at256);
-    EXPECT_FALSE(lx::RenamePathExtension(tooLong.chars, L".jpg"));
-    EXPECT_EQ(tooLong.str(), at256);
-
-    EXPECT_FALSE(lx::RenamePathExtension(nullptr, L".jpg"));
 }
 
 TEST(SaveTables, EndWithTheSentinelInDisplayOrder) {

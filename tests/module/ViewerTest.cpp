@@ -9,62 +9,33 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstring>
-#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "../lib/nccore/win32/DialogDriver.h"
 #include "ImageCodecs.h"
+#include "ModuleTest.h"
 #include "TestFiles.h"
 
 using namespace lx;
+using lxtest::Dll;
 using lxtest::ScratchDir;
+using lxtest::WaitFor;
 
 namespace {
 
-using WideEntry = void(CALLBACK*)(HWND, HINSTANCE, LPWSTR, int);
 constexpr wchar_t kFrameClass[] = L"LXIMAGEVIEW_FRAME";
 constexpr int kZoomViewId = 21, kListId = 23, kInformationId = 6, kStatusId = 59393;
 constexpr UINT kGetZoom = 1698;
 const std::wstring kCaption = L"フォト イメージ";
 const wchar_t kSettingsKey[] = L"Software\\Northcape\\Applets\\lxpicture\\MainViewer";
 
-HMODULE Dll() {
-    static HMODULE dll = LoadLibraryW(LX_DLL_PATH);
-    return dll;
-}
-
-bool WaitFor(const std::function<bool()>& condition, int ms = 20000) {
-    for (int waited = 0; waited < ms; waited += 20) {
-        if (condition()) return true;
-        Sleep(20);
-    }
-    return condition();
-}
-
 HWND FindChild(HWND parent, int id) {
-    struct Search {
-        int id;
-        HWND found;
-    } search{id, nullptr};
-    EnumChildWindows(
-        parent,
-        [](HWND hwnd, LPARAM lParam) {
-            auto* s = reinterpret_cast<Search*>(lParam);
-            if (GetDlgCtrlID(hwnd) != s->id) return TRUE;
-            s->found = hwnd;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
-}
-
-std::wstring WindowText(HWND hwnd) {
-    wchar_t text[600] = {};
-    GetWindowTextW(hwnd, text, 600);
-    return text;
+    for (HWND child : lxtest::Descendants(parent))
+        if (GetDlgCtrlID(child) == id) return child;
+    return nullptr;
 }
 
 // 24-bit bitmap files of a given size, each a different grey.
@@ -79,7 +50,7 @@ class Viewer {
 public:
     // `eightBit`: the line as rundll32 hands it to "imgRunW" named in full (eight-bit text).
     explicit Viewer(const std::filesystem::path& path, bool eightBit = false) {
-        auto entry = reinterpret_cast<WideEntry>(reinterpret_cast<void*>(GetProcAddress(Dll(), "imgRunW")));
+        auto entry = lxtest::Entry<lxtest::WideEntry>("imgRunW");
         std::wstring line = L"\"" + path.wstring() + L"\"";
         std::string narrow = path.string();
         thread_ = std::thread([this, entry, line, narrow, eightBit]() mutable {
@@ -98,7 +69,7 @@ public:
     bool ended() const { return ended_; }
     bool WaitEnded(int ms = 20000) { return WaitFor([&] { return ended_.load(); }, ms); }
 
-    std::wstring Title() const { return WindowText(frame_); }
+    std::wstring Title() const { return lxtest::WindowText(frame_); }
     bool WaitTitle(const std::wstring& fileName, int ms = 20000) {
         return WaitFor([&] { return Title() == fileName + L" - " + kCaption; }, ms);
     }

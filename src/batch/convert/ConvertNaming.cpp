@@ -7,24 +7,16 @@
 #include <system_error>
 #include <vector>
 
+#include "PathNames.h"
+
 namespace lx {
 
 namespace {
 
-bool IsSeparator(wchar_t c) { return c == L'\\' || c == L'/'; }
-
-// The last component of a path, by either separator, so that Windows names split the same
-// way on every build.
-std::wstring FileNameOf(const std::wstring& path) {
-    size_t start = path.size();
-    while (start > 0 && !IsSeparator(path[start - 1])) --start;
-    return path.substr(start);
-}
-
 // The separator the folder already uses, so a folder typed with "\\" keeps it on any build.
 wchar_t SeparatorFor(const std::wstring& folder) {
     for (size_t i = folder.size(); i > 0; --i)
-        if (IsSeparator(folder[i - 1])) return folder[i - 1];
+        if (IsPathSeparator(folder[i - 1])) return folder[i - 1];
     return static_cast<wchar_t>(std::filesystem::path::preferred_separator);
 }
 
@@ -43,7 +35,7 @@ std::wstring SameFileKey(const std::wstring& path) {
 
 std::wstring ConvertDestination(const std::wstring& folder, const std::wstring& source, ImageType saveType) {
     std::wstring joined = folder;
-    if (!joined.empty() && !IsSeparator(joined.back())) joined.push_back(SeparatorFor(joined));
+    if (!joined.empty() && !IsPathSeparator(joined.back())) joined.push_back(SeparatorFor(joined));
     joined += FileNameOf(source);
     if (joined.size() >= kPathChars) return joined;  // no room to rename within the path buffer
     std::vector<wchar_t> buffer(kPathChars, 0);

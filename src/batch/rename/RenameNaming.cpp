@@ -6,15 +6,6 @@ namespace lx {
 
 namespace {
 
-bool IsSeparator(wchar_t c) { return c == L'\\' || c == L'/'; }
-
-size_t FileNameStart(const std::wstring& path) {
-    for (size_t i = path.size(); i > 0; --i) {
-        if (IsSeparator(path[i - 1])) return i;
-    }
-    return 0;
-}
-
 size_t ExtensionStart(const std::wstring& path) {
     const size_t nameStart = FileNameStart(path);
     const size_t dot = path.rfind(L'.');
@@ -47,8 +38,6 @@ Era EraOfYear(int year) {
 }
 
 std::wstring FolderOf(const std::wstring& path) { return path.substr(0, FileNameStart(path)); }
-
-std::wstring FileNameOf(const std::wstring& path) { return path.substr(FileNameStart(path)); }
 
 std::wstring ExtensionOf(const std::wstring& path) { return path.substr(ExtensionStart(path)); }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "PathNames.h"
 #include "RenameChoices.h"
 #include "RenameEntry.h"
 
@@ -29,9 +30,9 @@ std::wstring NameItemText(int item, const ShootingTime& time, int counter, const
 // The three items joined with "_" (empty ones left out), or empty when all are empty.
 std::wstring ComposeName(const RenameChoices& choices, const ShootingTime& time, int counter, const std::wstring& oldPath);
 
-// Folder part with its trailing separator ("" when there is none), file name, and extension.
+// Folder part with its trailing separator ("" when there is none), and extension (the file
+// name is FileNameOf, PathNames.h).
 std::wstring FolderOf(const std::wstring& path);
-std::wstring FileNameOf(const std::wstring& path);
 std::wstring ExtensionOf(const std::wstring& path);
 // The path without the extension of its file name.
 std::wstring WithoutExtension(const std::wstring& path);

@@ -101,18 +101,18 @@ std::wstring ViewerPathFromCommandLine(const wchar_t* commandLine) {
     return UnquotedPath(rest.c_str());
 }
 
-int RunFrameTool(const std::wstring& commandLine, int showCmd, FrameMode mode) {
+int RunFrameTool(const std::wstring& commandLine, int showCmd, FrameMode mode, const FrameFactories& frames) {
     GdiplusSession gdiplus;
     // All three frame objects exist for the call; only the one asked for gets a window.
-    auto viewer = MakeViewerFrame();
-    auto editor = MakeEditorFrame();
-    auto slide = MakeSlideFrame();
+    auto viewer = frames.viewer();
+    auto editor = frames.editor();
+    auto slide = frames.slide();
     return RunOneFrame(mode == FrameMode::Editor ? *editor : *viewer, commandLine, showCmd);
 }
 
-int RunSlideShowTool(const std::wstring& path, int showCmd) {
+int RunSlideShowTool(const std::wstring& path, int showCmd, FrameFactory makeSlide) {
     GdiplusSession gdiplus;
-    auto slide = MakeSlideFrame();
+    auto slide = makeSlide();
     return RunOneFrame(*slide, path, showCmd);
 }
 

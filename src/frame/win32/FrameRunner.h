@@ -49,12 +49,20 @@ std::wstring ViewerPathFromCommandLine(const wchar_t* commandLine);
 // A command line as one path: cut to a path buffer, enclosing quotes removed.
 std::wstring UnquotedPath(const wchar_t* commandLine);
 
-int RunFrameTool(const std::wstring& commandLine, int showCmd, FrameMode mode);
-int RunSlideShowTool(const std::wstring& path, int showCmd);
+// The frames a call may build. The tools own their frames; the module hands their factories
+// in, so this runner knows no tool.
+using FrameFactory = std::unique_ptr<TopFrame> (*)();
+struct FrameFactories {
+    FrameFactory editor;
+    FrameFactory viewer;
+    FrameFactory slide;
+};
 
-// Frame factories: the tools that own the frames provide them.
-std::unique_ptr<TopFrame> MakeEditorFrame();
-std::unique_ptr<TopFrame> MakeViewerFrame();
-std::unique_ptr<TopFrame> MakeSlideFrame();
+int RunFrameTool(const std::wstring& commandLine, int showCmd, FrameMode mode, const FrameFactories& frames);
+int RunSlideShowTool(const std::wstring& path, int showCmd, FrameFactory slide);
+
+// A plain top-level window of `className`, captioned with string `captionId`: it stands in for
+// the frame of a tool not built yet, so the runner's loop and lifetime are real.
+std::unique_ptr<TopFrame> MakePlaceholderFrame(const wchar_t* className, UINT captionId);
 
 }  // namespace lx

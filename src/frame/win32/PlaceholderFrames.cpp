@@ -1,6 +1,4 @@
-// Stand-in frames for the tools whose own frame windows are not built yet: a plain top-level
-// window with the tool's class and caption, so the frame runner's loop and lifetime are real.
-// Each is removed from here when its tool's frame lands.
+// The stand-in frame of a tool whose own frame window is not built yet.
 #include <windows.h>
 
 #include "FrameRunner.h"
@@ -49,7 +47,8 @@ private:
 
 }  // namespace
 
-std::unique_ptr<TopFrame> MakeEditorFrame() { return std::make_unique<PlainFrame>(L"LXPHOTOEDIT_FRAME", 4); }
-std::unique_ptr<TopFrame> MakeSlideFrame() { return std::make_unique<PlainFrame>(L"LXSLIDESHOW_FRAME", 7); }
+std::unique_ptr<TopFrame> MakePlaceholderFrame(const wchar_t* className, UINT captionId) {
+    return std::make_unique<PlainFrame>(className, captionId);
+}
 
 }  // namespace lx

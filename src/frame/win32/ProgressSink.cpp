@@ -12,8 +12,8 @@ constexpr UINT kFileOperationAnimation = 165;
 
 }  // namespace
 
-ProgressSink::ProgressSink(HWND owner, const wchar_t* caption, DWORD flags)
-    : owner_(owner), caption_(TextOrResString(caption)), flags_(flags) {}
+ProgressSink::ProgressSink(HWND owner, const wchar_t* caption, DWORD flags, CancelMode cancel)
+    : owner_(owner), caption_(TextOrResString(caption)), flags_(flags), cancel_(cancel) {}
 
 ProgressSink::~ProgressSink() { EndProgress(); }
 
@@ -44,7 +44,9 @@ void ProgressSink::SetProgress(uint64_t done, uint64_t total) {
     if (dialog_ != nullptr) dialog_->SetProgress64(done, total);
 }
 
-bool ProgressSink::Cancelled() { return dialog_ != nullptr && dialog_->HasUserCancelled(); }
+bool ProgressSink::Cancelled() {
+    return cancel_ == kUserMayCancel && dialog_ != nullptr && dialog_->HasUserCancelled();
+}
 
 void ProgressSink::EndProgress() {
     if (dialog_ == nullptr) return;

@@ -21,8 +21,12 @@ public:
     // No time estimate, no minimise button, no bar: how the tools show their progress.
     static constexpr DWORD kDefaultFlags = PROGDLG_NOTIME | PROGDLG_NOMINIMIZE | PROGDLG_NOPROGRESSBAR;
 
+    // Whether Cancelled() reports the dialog's Cancel button; a run that cannot stop half-way
+    // (one document written at the end) never asks.
+    enum CancelMode { kUserMayCancel, kNeverCancels };
+
     // `caption` (text or string id) titles the message boxes; `flags` are PROGDLG_ flags.
-    ProgressSink(HWND owner, const wchar_t* caption, DWORD flags = kDefaultFlags);
+    ProgressSink(HWND owner, const wchar_t* caption, DWORD flags = kDefaultFlags, CancelMode cancel = kUserMayCancel);
     ~ProgressSink() override;
     ProgressSink(const ProgressSink&) = delete;
     ProgressSink& operator=(const ProgressSink&) = delete;
@@ -42,6 +46,7 @@ private:
     HWND owner_;
     std::wstring caption_;
     DWORD flags_;
+    CancelMode cancel_;
     IProgressDialog* dialog_ = nullptr;
 };
 

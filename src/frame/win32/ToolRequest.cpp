@@ -2,6 +2,8 @@
 
 #include <shlwapi.h>
 
+#include "CommandLine.h"
+
 namespace lx {
 namespace {
 
@@ -51,9 +53,11 @@ HGLOBAL ReadDrop(HKEY key) {
 }  // namespace
 
 int ReadToolRequest(ToolRequest& request, const wchar_t* keyName) {
+    // The key is deleted with everything under it once read: a name that is not a plain key
+    // name ("" opens HKEY_CURRENT_USER itself) would take the user's whole registry with it.
+    if (!keyName || !IsRequestKeyName(keyName)) return 0;
     HKEY key = nullptr;
-    if (!keyName || RegOpenKeyExW(HKEY_CURRENT_USER, keyName, 0, KEY_READ | KEY_WRITE, &key) != ERROR_SUCCESS)
-        return 0;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, keyName, 0, KEY_READ | KEY_WRITE, &key) != ERROR_SUCCESS) return 0;
     request.effect = ReadEffect(key);
     request.path = ReadPath(key);
     request.drop = ReadDrop(key);

@@ -18,7 +18,8 @@ struct ToolRequest {
     DWORD effect = 0;        // "effect"; 0 when absent or not a REG_DWORD
 };
 
-// Non-zero when the key named `keyName` could be opened (and has then been deleted).
+// Non-zero when the key named `keyName` could be opened (and has then been deleted). A name
+// that IsRequestKeyName refuses opens and deletes nothing.
 int ReadToolRequest(ToolRequest& request, const wchar_t* keyName);
 
 // Owns a request's drop block for the span of one entry-point call.

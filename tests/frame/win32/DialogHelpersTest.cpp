@@ -12,7 +12,9 @@
 
 namespace {
 
+using lxtest::ComboItems;
 using lxtest::DialogDriver;
+using Items = std::vector<std::wstring>;
 
 // A top-level window to hold controls under test; destroyed with its children.
 class HostWindow {
@@ -32,17 +34,6 @@ private:
     HWND window_;
 };
 
-std::vector<std::wstring> ComboItems(HWND combo) {
-    std::vector<std::wstring> items;
-    const int count = static_cast<int>(SendMessageW(combo, CB_GETCOUNT, 0, 0));
-    for (int i = 0; i < count; ++i) {
-        wchar_t text[512] = {};
-        SendMessageW(combo, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(text));
-        items.push_back(text);
-    }
-    return items;
-}
-
 // The item lists of every combo box in a dialog (the file-type list is one of them).
 std::vector<std::vector<std::wstring>> AllComboLists(HWND dialog) {
     std::vector<std::vector<std::wstring>> lists;
@@ -59,49 +50,30 @@ bool HasList(const std::vector<std::vector<std::wstring>>& lists, const std::vec
     return false;
 }
 
-TEST(FillComboFromString, FillsAPlainComboBox) {
+TEST(FillComboFromString, FillsComboBoxesInOrderAndNothingElse) {
     HostWindow host;
     HWND combo = host.Child(L"ComboBox", CBS_DROPDOWNLIST, 100);
     lx::FillComboFromString(combo, 4134);
-    const auto items = ComboItems(combo);
-    ASSERT_EQ(items.size(), 8u);
-    EXPECT_EQ(items.front(), L"2");
-    EXPECT_EQ(items.back(), L"256");
-}
-
-TEST(FillComboFromString, AppendsToAnExtendedComboInOrder) {
-    INITCOMMONCONTROLSEX classes = {sizeof(classes), ICC_USEREX_CLASSES};
-    InitCommonControlsEx(&classes);
-    HostWindow host;
-    HWND combo = host.Child(WC_COMBOBOXEXW, CBS_DROPDOWNLIST, 101);
-    ASSERT_NE(combo, nullptr);
-    lx::FillComboFromString(combo, 4130);
-    lx::FillComboFromString(combo, 4130);  // a second fill appends, it does not insert first
-    std::vector<std::wstring> items;
-    const int count = static_cast<int>(SendMessageW(combo, CB_GETCOUNT, 0, 0));
-    for (int i = 0; i < count; ++i) {
-        wchar_t text[64] = {};
-        COMBOBOXEXITEMW item = {};
-        item.mask = CBEIF_TEXT;
-        item.iItem = i;
-        item.pszText = text;
-        item.cchTextMax = 64;
-        SendMessageW(combo, CBEM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-        items.push_back(text);
-    }
-    EXPECT_EQ(items, (std::vector<std::wstring>{L"Jpeg", L"Png", L"GIF", L"Jpeg", L"Png", L"GIF"}));
-}
-
-TEST(FillComboFromString, LeavesOtherControlsAndMissingStringsAlone) {
-    HostWindow host;
+    lx::FillComboFromString(combo, 31999);  // no such string: nothing more
+    EXPECT_EQ(ComboItems(combo), (Items{L"2", L"4", L"8", L"16", L"32", L"64", L"128", L"256"}));
     HWND list = host.Child(L"ListBox", 0, 102);
     lx::FillComboFromString(list, 4134);
     EXPECT_EQ(SendMessageW(list, LB_GETCOUNT, 0, 0), 0);
-    HWND combo = host.Child(L"ComboBox", CBS_DROPDOWNLIST, 103);
-    lx::FillComboFromString(combo, 31999);
-    EXPECT_EQ(SendMessageW(combo, CB_GETCOUNT, 0, 0), 0);
-    lx::FillComboFromString(combo, 4139);
-    EXPECT_EQ(ComboItems(combo).size(), 4u);
+
+    INITCOMMONCONTROLSEX classes = {sizeof(classes), ICC_USEREX_CLASSES};
+    InitCommonControlsEx(&classes);
+    HWND extended = host.Child(WC_COMBOBOXEXW, CBS_DROPDOWNLIST, 101);
+    ASSERT_NE(extended, nullptr);
+    lx::FillComboFromString(extended, 4130);
+    lx::FillComboFromString(extended, 4130);  // a second fill appends, it does not insert first
+    Items items(static_cast<size_t>(SendMessageW(extended, CB_GETCOUNT, 0, 0)));
+    for (size_t i = 0; i < items.size(); ++i) {
+        wchar_t text[64] = {};
+        COMBOBOXEXITEMW item = {CBEIF_TEXT, static_cast<INT_PTR>(i), text, 64};
+        SendMessageW(extended, CBEM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+        items[i] = text;
+    }
+    EXPECT_EQ(items, (Items{L"Jpeg", L"Png", L"GIF", L"Jpeg", L"Png", L"GIF"}));
 }
 
 TEST(ShowMessage, FormatsTheTextAndTakesIdsForTexts) {
@@ -126,15 +98,11 @@ TEST(ShowMessage, TextFormatting) {
 }
 
 TEST(CreateFolderPath, TakesRootsAndShortPathsAsExisting) {
-    SetLastError(0);
-    EXPECT_TRUE(lx::CreateFolderPath(L"C:\\"));
-    EXPECT_EQ(GetLastError(), 161u);
-    SetLastError(0);
-    EXPECT_TRUE(lx::CreateFolderPath(L"Q:"));
-    EXPECT_EQ(GetLastError(), 161u);
-    SetLastError(0);
-    EXPECT_TRUE(lx::CreateFolderPath(L"\\\\server\\share"));
-    EXPECT_EQ(GetLastError(), 161u);
+    for (const wchar_t* path : {L"C:\\", L"Q:", L"\\\\server\\share"}) {
+        SetLastError(0);
+        EXPECT_TRUE(lx::CreateFolderPath(path)) << path;
+        EXPECT_EQ(GetLastError(), 161u) << path;
+    }
 }
 
 TEST(CreateFolderPath, CreatesEveryMissingParent) {

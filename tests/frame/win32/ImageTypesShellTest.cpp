@@ -38,6 +38,7 @@ TEST(RenamePathExtension, AgreesWithTheShell) {
         EXPECT_EQ(ourResult, shellResult) << text.size() << " " << std::string(text.begin(), text.begin() + std::min<size_t>(text.size(), 40));
         EXPECT_STREQ(ours, shell);
     }
+    EXPECT_FALSE(lx::RenamePathExtension(nullptr, L".jpg"));
 }
 
 // The save dialog's filter index selects a row of the filter-type table, so the table and

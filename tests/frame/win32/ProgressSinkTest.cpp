@@ -5,45 +5,41 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
-#include <functional>
-#include <thread>
 
 namespace {
 
 using lxtest::DialogDriver;
+using lxtest::WaitFor;
 
-bool WaitFor(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (std::chrono::steady_clock::now() < end) {
-        if (condition()) return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+TEST(ProgressSink, ShowsTitleAndLinesAndHearsCancelUnlessToldNever) {
+    for (const auto mode : {lx::ProgressSink::kUserMayCancel, lx::ProgressSink::kNeverCancels}) {
+        lx::ProgressSink sink(nullptr, MAKEINTRESOURCEW(4086), lx::ProgressSink::kDefaultFlags, mode);
+        std::wstring texts;
+        std::atomic<bool> read{false};
+        DialogDriver driver(L"lx progress", [&](HWND dialog) {
+            texts = lxtest::AllChildTexts(dialog);
+            read = true;
+            PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
+        });
+        sink.StartProgress(L"lx progress", L"reading files...");
+        ASSERT_TRUE(sink.Showing()) << "the shell progress dialog object is missing";
+        sink.SetLine(2, L"IMG_0001.JPG", false);
+        sink.SetLine(9, L"ignored", false);
+        EXPECT_FALSE(sink.Cancelled());
+        ASSERT_TRUE(WaitFor([&] { return read.load(); }));
+        EXPECT_NE(texts.find(L"reading files..."), std::wstring::npos) << texts;
+        EXPECT_NE(texts.find(L"IMG_0001.JPG"), std::wstring::npos) << texts;
+        if (mode == lx::ProgressSink::kUserMayCancel) {
+            EXPECT_TRUE(WaitFor([&] { return sink.Cancelled(); }));
+        } else {
+            Sleep(1000);  // the press has long reached the dialog
+            EXPECT_FALSE(sink.Cancelled());
+        }
+        sink.EndProgress();
+        EXPECT_FALSE(sink.Showing());
+        EXPECT_FALSE(sink.Cancelled());
+        EXPECT_TRUE(WaitFor([] { return FindWindowW(nullptr, L"lx progress") == nullptr; }));
     }
-    return false;
-}
-
-TEST(ProgressSink, ShowsTitleAndLinesAndHearsCancel) {
-    lx::ProgressSink sink(nullptr, MAKEINTRESOURCEW(4086));
-    std::wstring texts;
-    std::atomic<bool> read{false};
-    DialogDriver driver(L"lx progress", [&](HWND dialog) {
-        texts = lxtest::AllChildTexts(dialog);
-        read = true;
-        PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
-    });
-    sink.StartProgress(L"lx progress", L"reading files...");
-    ASSERT_TRUE(sink.Showing()) << "the shell progress dialog object is missing";
-    sink.SetLine(2, L"IMG_0001.JPG", false);
-    sink.SetLine(9, L"ignored", false);
-    EXPECT_FALSE(sink.Cancelled());
-    ASSERT_TRUE(WaitFor([&] { return read.load(); }));
-    EXPECT_NE(texts.find(L"reading files..."), std::wstring::npos) << texts;
-    EXPECT_NE(texts.find(L"IMG_0001.JPG"), std::wstring::npos) << texts;
-    EXPECT_TRUE(WaitFor([&] { return sink.Cancelled(); }));
-    sink.EndProgress();
-    EXPECT_FALSE(sink.Showing());
-    EXPECT_FALSE(sink.Cancelled());
-    EXPECT_TRUE(WaitFor([] { return FindWindowW(nullptr, L"lx progress") == nullptr; }));
 }
 
 TEST(ProgressSink, WorksWithoutADialogShown) {

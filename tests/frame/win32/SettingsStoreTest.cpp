@@ -1,6 +1,8 @@
 // The settings store against Wine's real registry, under the module's own key.
 #include "SettingsStore.h"
 
+#include "../../lib/nccore/win32/DialogDriver.h"
+
 #include <gtest/gtest.h>
 #include <shlwapi.h>
 
@@ -39,17 +41,6 @@ struct SectionGuard {
 HWND MakeCombo() {
     return CreateWindowExW(0, L"ComboBox", L"", CBS_DROPDOWN | WS_POPUP, 0, 0, 200, 200, nullptr, nullptr,
                            GetModuleHandleW(nullptr), nullptr);
-}
-
-std::vector<std::wstring> Items(HWND combo) {
-    std::vector<std::wstring> items;
-    const int count = static_cast<int>(SendMessageW(combo, CB_GETCOUNT, 0, 0));
-    for (int i = 0; i < count; ++i) {
-        wchar_t text[300] = {};
-        SendMessageW(combo, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(text));
-        items.push_back(text);
-    }
-    return items;
 }
 
 }  // namespace
@@ -136,10 +127,10 @@ TEST(SettingsStore, HistoryKeepsTheCurrentTextOnceAtTheTop) {
 
     HWND loaded = MakeCombo();
     store.LoadComboHistory(section.name.c_str(), L"H", loaded, 10);
-    EXPECT_EQ(Items(loaded), (std::vector<std::wstring>{L"c:\\two", L"C:\\one", L"C:\\three"}));
+    EXPECT_EQ(lxtest::ComboItems(loaded), (std::vector<std::wstring>{L"c:\\two", L"C:\\one", L"C:\\three"}));
     HWND capped = MakeCombo();
     store.LoadComboHistory(section.name.c_str(), L"H", capped, 2);
-    EXPECT_EQ(Items(capped).size(), 2u);
+    EXPECT_EQ(lxtest::ComboItems(capped).size(), 2u);
     DestroyWindow(combo);
     DestroyWindow(loaded);
     DestroyWindow(capped);
@@ -152,6 +143,6 @@ TEST(SettingsStore, HistoryWithoutTerminatorsStaysInsideItsData) {
     store.WriteBlock(section.name.c_str(), L"H", unterminated, sizeof unterminated);
     HWND combo = MakeCombo();
     store.LoadComboHistory(section.name.c_str(), L"H", combo, 10);
-    EXPECT_EQ(Items(combo), (std::vector<std::wstring>{L"abc"}));
+    EXPECT_EQ(lxtest::ComboItems(combo), (std::vector<std::wstring>{L"abc"}));
     DestroyWindow(combo);
 }

@@ -1,8 +1,8 @@
-#include "ToolWorkers.h"
+#include "ContrastResizeTool.h"
 
 namespace lx {
 
 // The tool is not built yet: the request is accepted and nothing happens.
-void RunContrastResizeTool(HWND owner, HDROP drop) {}
+void RunContrastResizeTool(HWND owner, const std::vector<std::wstring>& files) {}
 
 }  // namespace lx

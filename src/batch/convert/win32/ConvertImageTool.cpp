@@ -1,6 +1,5 @@
 #include "ConvertImageTool.h"
 
-#include <shellapi.h>
 #include <shlobj.h>
 
 #include "ConvertDlg.h"
@@ -11,7 +10,6 @@
 #include "ModuleResources.h"
 #include "ProgressSink.h"
 #include "SettingsStore.h"
-#include "ToolWorkers.h"
 
 namespace lx {
 
@@ -25,17 +23,6 @@ ConvertOptions ReadConvertOptions(SettingsStore& settings) {
     const int read = settings.ReadBlock(MAKEINTRESOURCEW(kSectionConverter), MAKEINTRESOURCEW(kValueStatus), &stored,
                                         sizeof stored);
     return ConvertOptionsFromBlock(&stored, static_cast<size_t>(read));
-}
-
-std::vector<std::wstring> DroppedFiles(HDROP drop) {
-    std::vector<std::wstring> files;
-    if (drop == nullptr) return files;
-    const UINT count = DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0);
-    for (UINT i = 0; i < count; ++i) {
-        wchar_t path[kPathChars] = {};
-        if (DragQueryFileW(drop, i, path, static_cast<UINT>(kPathChars)) > 0) files.push_back(path);
-    }
-    return files;
 }
 
 }  // namespace
@@ -56,7 +43,5 @@ bool ConvertImageFiles(HWND owner, const std::vector<std::wstring>& files) {
     RunConversion(options, files, LoadConvertTexts(), sink);
     return true;
 }
-
-void RunConvertImageTool(HWND owner, HDROP drop) { ConvertImageFiles(owner, DroppedFiles(drop)); }
 
 }  // namespace lx

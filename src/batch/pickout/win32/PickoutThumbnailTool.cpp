@@ -1,8 +1,8 @@
-#include "ToolWorkers.h"
+#include "PickoutThumbnailTool.h"
 
 namespace lx {
 
 // The tool is not built yet: the request is accepted and nothing happens.
-void RunPickoutThumbnailTool(HWND owner, HDROP drop, const std::wstring& path) {}
+void RunPickoutThumbnailTool(HWND owner, const std::vector<std::wstring>& files, const std::wstring& path) {}
 
 }  // namespace lx

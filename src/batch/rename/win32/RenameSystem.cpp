@@ -5,7 +5,6 @@
 
 #include "ExifReader.h"
 #include "ModuleResources.h"
-#include "RenameArguments.h"
 
 namespace lx {
 
@@ -32,13 +31,6 @@ RenameProgressTexts LoadRenameProgressTexts() {
 RenameRunResult RunRenameToExifDate(const RenameChoices& choices, const std::vector<std::wstring>& files,
                                     ToolSink& sink) {
     return RunRenameToExifDate(choices, files, sink, WindowsRenameServices(), LoadRenameProgressTexts());
-}
-
-int RunRenameUnattended(const std::vector<std::wstring>& args, ToolSink& sink, std::wstring& error) {
-    const std::optional<RenameArguments> parsed = ParseRenameArguments(args, error);
-    if (!parsed) return 2;
-    RunRenameToExifDate(parsed->choices, parsed->files, sink);
-    return 0;
 }
 
 }  // namespace lx

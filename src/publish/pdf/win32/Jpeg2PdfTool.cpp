@@ -6,9 +6,8 @@
 #include "CommandLine.h"
 #include "DialogHelpers.h"
 #include "ImageProbe.h"
-#include "Jpeg2PdfProgress.h"
 #include "ModuleResources.h"
-#include "ToolWorkers.h"
+#include "ProgressSink.h"
 
 namespace lx {
 
@@ -43,20 +42,11 @@ bool AskOutputPath(HWND owner, const std::filesystem::path& firstFile, std::wstr
 
 }  // namespace
 
-std::vector<std::wstring> DropListPaths(HDROP drop) {
-    std::vector<std::wstring> paths;
-    const UINT count = DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0);
-    for (UINT i = 0; i < count; ++i) {
-        wchar_t path[kPathChars] = {};
-        if (DragQueryFileW(drop, i, path, UINT(kPathChars)) > 0) paths.push_back(path);
-    }
-    return paths;
-}
-
-void ConvertJpegsToPdf(HWND owner, HDROP drop) {
+void ConvertJpegsToPdf(HWND owner, const std::vector<std::wstring>& files) {
     ComScope com;
-    Jpeg2PdfProgressSink sink(owner);
-    const auto jpegs = KeepJpegFiles(AsPaths(DropListPaths(drop)), ProbeFile);
+    // Pages are composed far faster than files are read: no bar, and no stop half-way.
+    ProgressSink sink(owner, MAKEINTRESOURCEW(kJpegPdfTitle), ProgressSink::kDefaultFlags, ProgressSink::kNeverCancels);
+    const auto jpegs = KeepJpegFiles(AsPaths(files), ProbeFile);
     if (!AcceptJpegCount(jpegs.size(), sink)) return;
     std::wstring output;
     if (!AskOutputPath(owner, jpegs.front(), output)) return;
@@ -66,7 +56,5 @@ void ConvertJpegsToPdf(HWND owner, HDROP drop) {
 JpegPdfResult RunJpeg2PdfFiles(const std::wstring& output, const std::vector<std::wstring>& files, ToolSink& sink) {
     return RunJpegPdfTool(MakeJob(output), AsPaths(files), ProbeFile, sink);
 }
-
-void RunJpeg2PdfTool(HWND owner, HDROP drop) { ConvertJpegsToPdf(owner, drop); }
 
 }  // namespace lx

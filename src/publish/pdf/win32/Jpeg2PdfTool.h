@@ -3,7 +3,6 @@
 #pragma once
 
 #include <windows.h>
-#include <shellapi.h>
 
 #include <memory>
 #include <string>
@@ -15,16 +14,13 @@
 
 namespace lx {
 
-// The tool: JPEG files of the drop list (by content), the count messages, the save dialog,
-// then the run. The drop list stays owned by the caller.
-void ConvertJpegsToPdf(HWND owner, HDROP drop);
+// The tool behind the module's RunJpeg2PdfW export: the JPEG files among `files` (by
+// content), the count messages, the save dialog, then the run.
+void ConvertJpegsToPdf(HWND owner, const std::vector<std::wstring>& files);
 
 // The run without dialogs: `output` as if typed in the save dialog (".pdf" is appended by the
 // same rule), `files` in list order, messages and progress to `sink`.
 JpegPdfResult RunJpeg2PdfFiles(const std::wstring& output, const std::vector<std::wstring>& files, ToolSink& sink);
-
-// Every path of a shell drop list, in list order.
-std::vector<std::wstring> DropListPaths(HDROP drop);
 
 // Creates `path` for writing, replacing any file of that name; null when it cannot be
 // created. The file is not shared while the document is written.

@@ -1,8 +1,8 @@
-#include "ToolWorkers.h"
+#include "WebAlbumTool.h"
 
 namespace lx {
 
 // The tool is not built yet: the request is accepted and nothing happens.
-void RunWebAlbumTool(HWND owner, HDROP drop, const std::vector<uint8_t>& savedStatus) {}
+void RunWebAlbumTool(HWND owner, const std::vector<std::wstring>& files, const std::vector<uint8_t>& savedStatus) {}
 
 }  // namespace lx

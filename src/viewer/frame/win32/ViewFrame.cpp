@@ -4,6 +4,7 @@
 #include <shellapi.h>
 #include <shlwapi.h>
 
+#include "DropListPaths.h"
 #include "ImageTypes.h"
 #include "ModuleResources.h"
 #include "SettingsStore.h"
@@ -349,10 +350,8 @@ LRESULT CViewFrame::OnCommand(WPARAM wParam, LPARAM lParam) {
 
 LRESULT CViewFrame::OnDropFiles(WPARAM wParam, LPARAM) {
     auto* drop = reinterpret_cast<HDROP>(wParam);
-    wchar_t path[kPathChars] = {};
-    if (DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0) > 0 && DragQueryFileW(drop, 0, path, kPathChars) > 0 &&
-        ImageTypeFromPath(path) != kImageUnknown)
-        Open(path, true);
+    const std::vector<std::wstring> paths = DropListPaths(drop);
+    if (!paths.empty() && ImageTypeFromPath(paths.front().c_str()) != kImageUnknown) Open(paths.front(), true);
     DragFinish(drop);
     return 0;
 }

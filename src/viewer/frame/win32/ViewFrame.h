@@ -115,4 +115,7 @@ private:
     HACCEL accelerators_ = nullptr;
 };
 
+// The viewer's frame, for the frame runner (the module hands this factory in).
+std::unique_ptr<TopFrame> MakeViewerFrame();
+
 }  // namespace lx

@@ -20,14 +20,13 @@
 
 #include "../../../lib/nccore/win32/DialogDriver.h"
 #include "../FakeRenameWorld.h"
-#include "DropList.h"
 #include "ExifDateDlgIds.h"
 #include "ModuleResources.h"
 #include "RenameChoices.h"
 #include "RenameSystem.h"
+#include "RenameTool.h"
 #include "SettingsStore.h"
 #include "TestFiles.h"
-#include "ToolWorkers.h"
 
 namespace {
 
@@ -221,7 +220,6 @@ protected:
     // the driver gives up, whatever is left open is cancelled so the tool returns.
     void RunTool(const std::vector<std::wstring>& files, const std::function<void()>& drive) {
         CommonControlsV6 v6;
-        HDROP drop = lxtest::MakeDropList(files);
         std::thread driver([&] {
             drive();
             for (const wchar_t* title : {kMessageCaption, kDialogTitle}) {
@@ -230,9 +228,8 @@ protected:
                 Press(FindVisibleDialog(title), IDCANCEL);
             }
         });
-        lx::RunRenameToExifDateTool(nullptr, drop);
+        lx::RunRenameToExifDateTool(nullptr, files);
         driver.join();
-        GlobalFree(drop);
     }
 
     lx::SettingsStore settings;
@@ -398,9 +395,11 @@ TEST_F(ExifDateDlgTest, UnattendedRunRenamesReportsAndLeavesTheSettingAlone) {
     const std::wstring a = Photo("may07-a.jpg", "a.jpg");
     const std::wstring plain = Photo("plain.jpg", "plain.jpg");
     lxtest::RecordingSink sink;
-    std::wstring error;
-    EXPECT_EQ(lx::RunRenameUnattended({L"--items", L"2,6,0", L"--reset", L"1", a, plain}, sink, error), 0);
-    EXPECT_EQ(error, L"");
+    lx::RenameChoices choices;
+    choices.item1 = lx::kItemDate6;
+    choices.item2 = lx::kItemHourMinuteSec;
+    choices.resetRule = lx::kResetOnDay;
+    lx::RunRenameToExifDate(choices, {a, plain}, sink);
     EXPECT_EQ(sink.messages, std::vector<unsigned>{4111});
     EXPECT_EQ(sink.title, L"Exif変換");
     EXPECT_EQ(sink.line, L"撮影日時に変換しています...");
@@ -409,10 +408,8 @@ TEST_F(ExifDateDlgTest, UnattendedRunRenamesReportsAndLeavesTheSettingAlone) {
     EXPECT_EQ(settings.ReadNumber(kExif, kRename, 0), 0x01020304u);
 
     lxtest::RecordingSink none;
-    EXPECT_EQ(lx::RunRenameUnattended({L"--items", L"1,0,0", plain}, none, error), 0);
+    lx::RunRenameToExifDate(lx::RenameChoices{lx::kItemDate8}, {plain}, none);
     EXPECT_EQ(none.messages, std::vector<unsigned>{4108});
-    EXPECT_EQ(lx::RunRenameUnattended({L"--items", L"1,0", plain}, none, error), 2);
-    EXPECT_FALSE(error.empty());
 }
 
 }  // namespace

@@ -15,6 +15,15 @@
 
 namespace lxtest {
 
+// Polls `condition` every 20 ms for up to `milliseconds`; its last answer.
+inline bool WaitFor(const std::function<bool()>& condition, int milliseconds = 20000) {
+    for (int waited = 0; waited < milliseconds; waited += 20) {
+        if (condition()) return true;
+        Sleep(20);
+    }
+    return condition();
+}
+
 inline std::wstring WindowText(HWND window) {
     wchar_t text[1024] = {};
     GetWindowTextW(window, text, 1024);
@@ -38,6 +47,18 @@ inline std::vector<HWND> Descendants(HWND parent) {
         },
         reinterpret_cast<LPARAM>(&found));
     return found;
+}
+
+// The items of a combo box, in its order.
+inline std::vector<std::wstring> ComboItems(HWND combo) {
+    std::vector<std::wstring> items;
+    const int count = static_cast<int>(SendMessageW(combo, CB_GETCOUNT, 0, 0));
+    for (int i = 0; i < count; ++i) {
+        wchar_t text[520] = {};
+        SendMessageW(combo, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(text));
+        items.push_back(text);
+    }
+    return items;
 }
 
 // The texts of all descendants joined by "|", to look for a message box's message.

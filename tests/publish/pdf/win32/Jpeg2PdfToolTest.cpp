@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "DropList.h"
 #include "ModuleResources.h"
 #include "../PdfTestSupport.h"
 #include "TestFiles.h"
@@ -58,13 +57,6 @@ TEST(Jpeg2PdfFileSink, ReplacesAFileAndKeepsItUnsharedWhileWriting) {
     }
     EXPECT_EQ(ReadText(out), "abc");
     EXPECT_FALSE(lx::CreateWin32FileSink(dir / "missing" / "o.pdf"));
-}
-
-TEST(Jpeg2PdfDropList, ReadsEveryPathInListOrder) {
-    const std::vector<std::wstring> paths = {L"C:\\b\\2.jpg", L"C:\\a\\1.jpg", L"D:\\写真\\3.jpg"};
-    HDROP drop = lxtest::MakeDropList(paths);
-    EXPECT_EQ(lx::DropListPaths(drop), paths);
-    GlobalFree(drop);
 }
 
 TEST(Jpeg2PdfRun, KeepsFilesByContentAndAppendsThePdfExtension) {
