@@ -80,29 +80,19 @@ constexpr lx::FrameFactories kFrames = {&MakeEditorFrame, &lx::MakeViewerFrame, 
 // The .def file lists the exports with their exact names.
 #define LX_EXPORT extern "C"
 
-LX_EXPORT int WINAPI RunConvertImageW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
-    return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
-        lx::ConvertImageFiles(owner, files);
-    });
-}
+// The wide entry of a batch or publishing tool whose worker takes the owner and the files.
+#define LX_BATCH_ENTRY(name, worker)                                                      \
+    LX_EXPORT int WINAPI name(HWND owner, HINSTANCE, LPWSTR commandLine, int) {           \
+        return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest&) { \
+            worker(owner, files);                                                         \
+        });                                                                               \
+    }
 
-LX_EXPORT int WINAPI RunSplitImageW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
-    return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
-        lx::RunSplitImageTool(owner, files);
-    });
-}
-
-LX_EXPORT int WINAPI RunContrastResizeW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
-    return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
-        lx::RunContrastResizeTool(owner, files);
-    });
-}
-
-LX_EXPORT int WINAPI RunRenameToExifDateW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
-    return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
-        lx::RunRenameToExifDateTool(owner, files);
-    });
-}
+LX_BATCH_ENTRY(RunConvertImageW, lx::ConvertImageFiles)
+LX_BATCH_ENTRY(RunSplitImageW, lx::RunSplitImageTool)
+LX_BATCH_ENTRY(RunContrastResizeW, lx::RunContrastResizeTool)
+LX_BATCH_ENTRY(RunRenameToExifDateW, lx::RunRenameToExifDateTool)
+LX_BATCH_ENTRY(RunJpeg2PdfW, lx::ConvertJpegsToPdf)
 
 LX_EXPORT int WINAPI RunPickoutThumbnailW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
     return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
@@ -118,12 +108,6 @@ LX_EXPORT int WINAPI RunWebAlbumW(HWND owner, HINSTANCE, LPWSTR commandLine, int
                                lx::kWebAlbumStatusBytes) != lx::kWebAlbumStatusBytes)
             status.clear();
         lx::RunWebAlbumTool(owner, files, status);
-    });
-}
-
-LX_EXPORT int WINAPI RunJpeg2PdfW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
-    return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
-        lx::ConvertJpegsToPdf(owner, files);
     });
 }
 

@@ -161,27 +161,7 @@ TEST_F(ViewerTest, AnEightBitLineAsRundll32PassesItIsRead) {
     EXPECT_TRUE(viewer.WaitTitle(L"plain.bmp"));
 }
 
-TEST_F(ViewerTest, OneFileFolderHasNowhereToStepAndDeletingItClosesTheViewer) {
-    WriteBitmap(dir_ / "only.bmp", 40, 30);
-    Viewer viewer(dir_ / "only.bmp");
-    ASSERT_TRUE(viewer.WaitTitle(L"only.bmp"));
-    ASSERT_TRUE(WaitFor([&] { return viewer.ListCount() == 1; }));
-    viewer.Command(2015);
-    viewer.Command(2014);
-    Sleep(300);
-    EXPECT_EQ(viewer.Title(), L"only.bmp - " + kCaption);
-    // "No" keeps the file and the viewer.
-    viewer.Command(2009);
-    ASSERT_TRUE(viewer.Answer(IDNO));
-    EXPECT_TRUE(std::filesystem::exists(dir_ / "only.bmp"));
-    EXPECT_FALSE(viewer.ended());
-    viewer.Command(2009);
-    ASSERT_TRUE(viewer.Answer(IDYES));
-    EXPECT_TRUE(viewer.WaitEnded());
-    EXPECT_FALSE(std::filesystem::exists(dir_ / "only.bmp"));
-}
-
-TEST_F(ViewerTest, DeleteMovesForwardExceptAtTheEndOfTheList) {
+TEST_F(ViewerTest, DeleteMovesForwardExceptAtTheEndAndTheLastFileClosesTheViewer) {
     for (int i = 0; i < 4; ++i) WriteBitmap(dir_ / ("p" + std::to_string(i) + ".bmp"), 40, 30, 40 * i);
     Viewer viewer(dir_ / "p3.bmp");
     ASSERT_TRUE(viewer.WaitTitle(L"p3.bmp"));
@@ -198,6 +178,24 @@ TEST_F(ViewerTest, DeleteMovesForwardExceptAtTheEndOfTheList) {
     EXPECT_TRUE(viewer.WaitTitle(L"p2.bmp"));  // another went: the one that moved into its place
     EXPECT_EQ(viewer.ListCount(), 2);
     EXPECT_EQ(viewer.Selected(), 1);
+    viewer.Command(2009);
+    ASSERT_TRUE(viewer.Answer(IDYES));
+    ASSERT_TRUE(viewer.WaitTitle(L"p0.bmp"));
+    EXPECT_EQ(viewer.ListCount(), 1);
+    // One file left: nowhere to step.
+    viewer.Command(2015);
+    viewer.Command(2014);
+    Sleep(300);
+    EXPECT_EQ(viewer.Title(), L"p0.bmp - " + kCaption);
+    // "No" keeps the file and the viewer; "Yes" deletes it and closes the viewer.
+    viewer.Command(2009);
+    ASSERT_TRUE(viewer.Answer(IDNO));
+    EXPECT_TRUE(std::filesystem::exists(dir_ / "p0.bmp"));
+    EXPECT_FALSE(viewer.ended());
+    viewer.Command(2009);
+    ASSERT_TRUE(viewer.Answer(IDYES));
+    EXPECT_TRUE(viewer.WaitEnded());
+    EXPECT_FALSE(std::filesystem::exists(dir_ / "p0.bmp"));
 }
 
 TEST_F(ViewerTest, ASecondOpenDuringALoadIsRefused) {
