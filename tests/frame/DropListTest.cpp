@@ -30,7 +30,7 @@ TEST(DropList, ReadsWideAndEightBitNamesInListOrder) {
     EXPECT_EQ(Read(lxtest::WideDropBlock(wide)), wide);
     const auto narrow = Bytes({24, 0, 0, 0, /* pFiles */ 0, 0, 0, 0, 0, 0, 0, 0, /* pt */ 0, 0, 0, 0, /* fNC */
                                0, 0, 0, 0, /* fWide: no */ 9, 9, 9, 9 /* gap before the names */},
-                              std::string("C:\\a.jpg\0C:\\b.jpg\0\0", 18));
+                              std::string("C:\\a.jpg\0C:\\b.jpg\0\0", 19));
     EXPECT_EQ(Read(narrow), (Names{L"C:\\a.jpg", L"C:\\b.jpg"}));
 }
 
