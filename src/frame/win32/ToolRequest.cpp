@@ -50,6 +50,25 @@ HGLOBAL ReadDrop(HKEY key) {
     return block;
 }
 
+// A request key as the host writes it: no sub-keys, and no values but "drop", "path" and
+// "effect". Anything else is some other key that a wrong name led to (a plain "Software" is
+// a valid key name too), and deleting it would lose the user's data.
+bool LooksLikeRequestKey(HKEY key) {
+    DWORD subKeys = 0, values = 0;
+    if (RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &subKeys, nullptr, nullptr, &values, nullptr, nullptr,
+                         nullptr, nullptr) != ERROR_SUCCESS ||
+        subKeys != 0 || values > 3)
+        return false;
+    for (DWORD i = 0; i < values; ++i) {
+        wchar_t name[16];
+        DWORD chars = 16;
+        if (RegEnumValueW(key, i, name, &chars, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) return false;
+        if (_wcsicmp(name, L"drop") != 0 && _wcsicmp(name, L"path") != 0 && _wcsicmp(name, L"effect") != 0)
+            return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 int ReadToolRequest(ToolRequest& request, const wchar_t* keyName) {
@@ -58,6 +77,11 @@ int ReadToolRequest(ToolRequest& request, const wchar_t* keyName) {
     if (!keyName || !IsRequestKeyName(keyName)) return 0;
     HKEY key = nullptr;
     if (RegOpenKeyExW(HKEY_CURRENT_USER, keyName, 0, KEY_READ | KEY_WRITE, &key) != ERROR_SUCCESS) return 0;
+    if (!LooksLikeRequestKey(key)) {
+        // Not ours to consume: leave the key as it is and start nothing.
+        RegCloseKey(key);
+        return 0;
+    }
     request.effect = ReadEffect(key);
     request.path = ReadPath(key);
     request.drop = ReadDrop(key);

@@ -19,7 +19,8 @@ struct ToolRequest {
 };
 
 // Non-zero when the key named `keyName` could be opened (and has then been deleted). A name
-// that IsRequestKeyName refuses opens and deletes nothing.
+// that IsRequestKeyName refuses opens and deletes nothing; a key with sub-keys or values other
+// than "drop", "path" and "effect" is not a request and is left untouched.
 int ReadToolRequest(ToolRequest& request, const wchar_t* keyName);
 
 // Owns a request's drop block for the span of one entry-point call.

@@ -99,3 +99,26 @@ TEST(ReadToolRequest, ValuesOfEveryTypeAndOddSizeNeverBreakIt) {
         }
     }
 }
+
+// A name that leads to some other key (a sub-key, or a value the host never writes) must not
+// consume it: reading a request deletes the key with everything under it.
+TEST(ReadToolRequest, AKeyThatIsNoRequestIsLeftWhole) {
+    const auto drop = lxtest::WideDropBlock({L"C:\\a.jpg"});
+    for (int variant = 0; variant < 2; ++variant) {
+        RegistryTestKey key(L"foreign");
+        key.Set(L"drop", REG_BINARY, drop.data(), static_cast<DWORD>(drop.size()));
+        if (variant == 0) {
+            key.SetText(L"Theme", L"dark");
+        } else {
+            HKEY child = nullptr;
+            RegCreateKeyExW(HKEY_CURRENT_USER, (key.name() + L"\\Child").c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                            nullptr, &child, nullptr);
+            RegCloseKey(child);
+        }
+        key.Close();
+        ScopedToolRequest scoped;
+        EXPECT_EQ(ReadToolRequest(scoped.request, key.name().c_str()), 0) << variant;
+        EXPECT_EQ(scoped.request.drop, nullptr) << variant;
+        EXPECT_TRUE(key.Exists()) << variant;
+    }
+}
