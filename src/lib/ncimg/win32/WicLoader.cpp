@@ -86,13 +86,14 @@ UINT PixelFormatBits(IWICImagingFactory* factory, const WICPixelFormatGUID& form
 // The most pixels one byte of the container can stand for, at its best compression.
 uint64_t MostPixelsPerByte(const GUID& container, UINT width, UINT bitsPerPixel) {
     // Every 8 x 8 block of the full-resolution component takes at least one Huffman-coded
-    // bit (two in a baseline file): a blank 12-megapixel sky needs some 35 KB.
+    // bit (two in a baseline file): 12 megapixels need 23 KB or more, and cjpeg makes
+    // 70 KB of a blank 12-megapixel sky even progressive with optimised tables.
     if (container == GUID_ContainerFormatJpeg) return 64 * 8;
     // Deflate turns two bits into at most one 258-byte match.
     if (container == GUID_ContainerFormatPng) return 1032 * 8 / std::max(bitsPerPixel, 1u);
     // A 12-bit LZW code stands for at most 4096 pixels.
     if (container == GUID_ContainerFormatGif) return 4096 * 8 / 12;
-    // CCITT group 4 codes a blank row of any width in one bit.
+    // CCITT group 4 codes a blank row of any width in one bit; narrow strips may be LZW.
     if (container == GUID_ContainerFormatTiff) return std::max<uint64_t>(uint64_t{8} * width, 4096 * 8 / 12);
     return 1024;  // as the library's own readers allow
 }
@@ -146,26 +147,27 @@ std::optional<PackedDib> CopyTwoBitRowsAsFour(IWICBitmapSource* source, UINT wid
     });
 }
 
+bool CreateConverter(IWICImagingFactory* factory, IWICBitmapSource* frame, const WICPixelFormatGUID& to,
+                     ComPtr<IWICFormatConverter>& converter) {
+    return SUCCEEDED(factory->CreateFormatConverter(converter.out())) &&
+           SUCCEEDED(converter->Initialize(frame, to, WICBitmapDitherTypeNone, nullptr, 0.0, WICBitmapPaletteTypeCustom));
+}
+
 std::optional<PackedDib> Converted(IWICImagingFactory* factory, IWICBitmapSource* frame, const WICPixelFormatGUID& to,
                                    UINT width, UINT height, int bitCount) {
     ComPtr<IWICFormatConverter> converter;
-    if (FAILED(factory->CreateFormatConverter(converter.out())) ||
-        FAILED(converter->Initialize(frame, to, WICBitmapDitherTypeNone, nullptr, 0.0, WICBitmapPaletteTypeCustom)))
-        return std::nullopt;
+    if (!CreateConverter(factory, frame, to, converter)) return std::nullopt;
     return CopyRows(converter.get(), width, height, bitCount);
 }
 
 // Colour without transparency as 24-bit BGR. Not every converter offers 24 bits from every
-// source (Wine's takes 16-bit samples, grey below 8 bits and two-bit palettes only to
-// 32-bit BGRA, and refuses only once the pixels are asked for); 32-bit BGRA is the form
-// every converter knows, and its alpha is all opaque here.
+// source (Wine's takes 16-bit colour samples only to 32-bit BGRA, and refuses only once
+// the pixels are asked for); 32-bit BGRA is the form every converter knows, and its alpha
+// is all opaque here, so each row keeps three bytes of every four.
 std::optional<PackedDib> ConvertedToBgr(IWICImagingFactory* factory, IWICBitmapSource* frame, UINT width, UINT height) {
     if (auto dib = Converted(factory, frame, GUID_WICPixelFormat24bppBGR, width, height, 24)) return dib;
     ComPtr<IWICFormatConverter> converter;
-    if (FAILED(factory->CreateFormatConverter(converter.out())) ||
-        FAILED(converter->Initialize(frame, GUID_WICPixelFormat32bppBGRA, WICBitmapDitherTypeNone, nullptr, 0.0,
-                                     WICBitmapPaletteTypeCustom)))
-        return std::nullopt;
+    if (!CreateConverter(factory, frame, GUID_WICPixelFormat32bppBGRA, converter)) return std::nullopt;
     return ConvertRows(converter.get(), width, height, 32, 24, [width](const uint8_t* from, uint8_t* to) {
         for (UINT x = 0; x < width; ++x, from += 4, to += 3) std::memcpy(to, from, 3);
     });
