@@ -6,6 +6,10 @@
 #                                                     (run under Wine when cross-compiling)
 #   lx_add_fuzz(NAME SOURCE [LIBS ...] [CORPUS dir])  a fuzz target; natively it also runs as a
 #                                                     test over its corpus plus random mutations
+#
+# With LX_LIBFUZZER (preset fuzz, clang) the build holds only the fuzz targets, linked with
+# libFuzzer; target lx_fuzzers builds them all, and each is a test that fuzzes for
+# LX_FUZZ_SECONDS seconds starting from its committed corpus (scripts/fuzz.sh).
 
 set(LX_WARNINGS -Wall -Wextra -Wno-unused-parameter -Wno-missing-field-initializers)
 
@@ -48,6 +52,9 @@ function(lx_win32_library name)
 endfunction()
 
 function(lx_add_test name)
+  if(LX_LIBFUZZER)
+    return()
+  endif()
   cmake_parse_arguments(A "" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${A_SOURCES})
   target_compile_options(${name} PRIVATE ${LX_WARNINGS})
@@ -71,19 +78,34 @@ function(lx_add_fuzz name source)
   endif()
   add_executable(${name} ${source})
   target_link_libraries(${name} PRIVATE ${A_LIBS})
+  set(corpus ${A_CORPUS})
+  if(NOT corpus)
+    set(corpus ${PROJECT_SOURCE_DIR}/tests/fuzz/corpus/${name})
+  endif()
   if(LX_LIBFUZZER)
     target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
     target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    add_dependencies(lx_fuzzers ${name})
+    # New inputs go to a scratch folder named first; the committed corpus is only read.
+    # Any crash, leak, hang of over 10 s per input or allocation beyond 2 GB fails the test
+    # and leaves the input in build/fuzz/crashes/.
+    set(scratch ${PROJECT_BINARY_DIR}/corpus/${name})
+    set(crashes ${PROJECT_BINARY_DIR}/crashes)
+    file(MAKE_DIRECTORY ${scratch} ${crashes})
+    add_test(NAME ${name} COMMAND ${name} -max_total_time=${LX_FUZZ_SECONDS} -timeout=10 -rss_limit_mb=2048
+             -print_final_stats=1 -artifact_prefix=${crashes}/${name}- ${scratch} ${corpus})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 600 LABELS fuzz)
   else()
     target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/fuzz/FuzzDriver.cpp)
-    set(corpus ${A_CORPUS})
-    if(NOT corpus)
-      set(corpus ${PROJECT_SOURCE_DIR}/tests/fuzz/corpus/${name})
-    endif()
     add_test(NAME ${name} COMMAND ${name} --runs=3000 ${corpus})
     set_tests_properties(${name} PROPERTIES TIMEOUT 600)
   endif()
 endfunction()
+
+if(LX_LIBFUZZER)
+  set(LX_FUZZ_SECONDS 10 CACHE STRING "How long each fuzz target runs as a test")
+  add_custom_target(lx_fuzzers)
+endif()
 
 # lx_folder(NAME [LIBS ...] [WIN32_LIBS ...])
 # One folder of the source tree as one static library, by convention:

@@ -5,7 +5,7 @@ set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 
 packages=(
-  cmake make g++ clang ccache googletest zlib1g-dev
+  cmake make g++ clang libclang-rt-dev ccache googletest zlib1g-dev
   g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-tools libz-mingw-w64-dev
   wine wine64 xvfb xauth x11-apps x11-utils xdotool fonts-ipafont-gothic
   imagemagick qpdf poppler-utils libjpeg-turbo-progs libimage-exiftool-perl

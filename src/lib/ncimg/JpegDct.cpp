@@ -62,14 +62,14 @@ constexpr std::array<uint8_t, 64> kOutputOfZigzag = [] {
 
 // Transposes the 4x4 square in[0..3] into out[0..3].
 inline __attribute__((always_inline)) void Transpose4(const Lanes* in, Lanes* out) {
-    const Lanes t0 = __builtin_shuffle(in[0], in[1], IntLanes{0, 4, 1, 5});
-    const Lanes t1 = __builtin_shuffle(in[2], in[3], IntLanes{0, 4, 1, 5});
-    const Lanes t2 = __builtin_shuffle(in[0], in[1], IntLanes{2, 6, 3, 7});
-    const Lanes t3 = __builtin_shuffle(in[2], in[3], IntLanes{2, 6, 3, 7});
-    out[0] = __builtin_shuffle(t0, t1, IntLanes{0, 1, 4, 5});
-    out[1] = __builtin_shuffle(t0, t1, IntLanes{2, 3, 6, 7});
-    out[2] = __builtin_shuffle(t2, t3, IntLanes{0, 1, 4, 5});
-    out[3] = __builtin_shuffle(t2, t3, IntLanes{2, 3, 6, 7});
+    const Lanes t0 = __builtin_shufflevector(in[0], in[1], 0, 4, 1, 5);
+    const Lanes t1 = __builtin_shufflevector(in[2], in[3], 0, 4, 1, 5);
+    const Lanes t2 = __builtin_shufflevector(in[0], in[1], 2, 6, 3, 7);
+    const Lanes t3 = __builtin_shufflevector(in[2], in[3], 2, 6, 3, 7);
+    out[0] = __builtin_shufflevector(t0, t1, 0, 1, 4, 5);
+    out[1] = __builtin_shufflevector(t0, t1, 2, 3, 6, 7);
+    out[2] = __builtin_shufflevector(t2, t3, 0, 1, 4, 5);
+    out[3] = __builtin_shufflevector(t2, t3, 2, 3, 6, 7);
 }
 
 // Eight samples as two sets of four lanes, level-shifted.

@@ -53,7 +53,9 @@ std::optional<PackedDib> ReadPsd(std::span<const uint8_t> file) {
     const uint32_t h = in.be32(), w = in.be32();
     const int depth = in.be16(), mode = in.be16();
     if (in.failed() || channels < 1 || channels > 56) return std::nullopt;
-    if (!(depth == 8 || depth == 16 || (depth == 1 && mode == kBitmap))) return std::nullopt;
+    // Bitmap mode is one bit per pixel by definition, the other modes 8 or 16 bits; a row
+    // sized from any other pairing would not fit the image made for the mode.
+    if (mode == kBitmap ? depth != 1 : !(depth == 8 || depth == 16)) return std::nullopt;
     int needed = 0;
     switch (mode) {
     case kBitmap: case kGrey: case kIndexed: needed = 1; break;

@@ -1,9 +1,13 @@
 // Decoding through the Windows Imaging Component: the formats Windows itself decodes (BMP,
 // JPEG, PNG, GIF, TIFF, ICO) and whatever codecs are installed (camera raw, HEIF, ...).
 // The first frame becomes a packed DIB: palette and grey images keep 1, 4 or 8 bits (two-bit
-// palettes become four), images with transparency become 32-bit BGRA (24-bit when every
-// pixel is opaque after all), the rest 24-bit. JPEG and TIFF pictures are turned upright by
-// their Exif orientation.
+// ones become four, sixteen-bit grey becomes eight), images with transparency become 32-bit
+// BGRA (24-bit when every pixel is opaque after all), the rest 24-bit. JPEG and TIFF
+// pictures are turned upright by their Exif orientation.
+//
+// A frame is decoded only when its file is large enough to hold it at the format's best
+// compression, and its rows go straight into the DIB: a small file that claims a huge
+// canvas is refused before the decoder allocates anything.
 #include "ImageLoadSystem.h"
 
 #include "ImageLoadOrientation.h"
@@ -13,6 +17,7 @@
 #include <wincodec.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <fstream>
@@ -67,56 +72,127 @@ bool FormatHasAlpha(IWICImagingFactory* factory, const WICPixelFormatGUID& forma
     return SUCCEEDED(formatInfo->SupportsTransparency(&transparency)) && transparency;
 }
 
-// Copies `source` (already in the DIB's pixel layout) into a new image, turning WIC's
-// top-down rows into the DIB's bottom-up order.
+UINT PixelFormatBits(IWICImagingFactory* factory, const WICPixelFormatGUID& format) {
+    ComPtr<IWICComponentInfo> info;
+    ComPtr<IWICPixelFormatInfo> formatInfo;
+    UINT bits = 0;
+    if (FAILED(factory->CreateComponentInfo(format, info.out())) ||
+        FAILED(info->QueryInterface(IID_IWICPixelFormatInfo, reinterpret_cast<void**>(formatInfo.out()))) ||
+        FAILED(formatInfo->GetBitsPerPixel(&bits)))
+        return 0;
+    return bits;
+}
+
+// The most pixels one byte of the container can stand for, at its best compression.
+uint64_t MostPixelsPerByte(const GUID& container, UINT width, UINT bitsPerPixel) {
+    // Every 8 x 8 block of the full-resolution component takes at least one Huffman-coded
+    // bit (two in a baseline file): 12 megapixels need 23 KB or more, and cjpeg makes
+    // 70 KB of a blank 12-megapixel sky even progressive with optimised tables.
+    if (container == GUID_ContainerFormatJpeg) return 64 * 8;
+    // Deflate turns two bits into at most one 258-byte match.
+    if (container == GUID_ContainerFormatPng) return 1032 * 8 / std::max(bitsPerPixel, 1u);
+    // A 12-bit LZW code stands for at most 4096 pixels.
+    if (container == GUID_ContainerFormatGif) return 4096 * 8 / 12;
+    // CCITT group 4 codes a blank row of any width in one bit; narrow strips may be LZW.
+    if (container == GUID_ContainerFormatTiff) return std::max<uint64_t>(uint64_t{8} * width, 4096 * 8 / 12);
+    return 1024;  // as the library's own readers allow
+}
+
+// Whether `encodedBytes` of the container can describe the frame. PlausibleSize allows 1024
+// pixels per input byte; the encoded size is scaled so that the container's own limit applies.
+bool PlausibleForEncoding(const GUID& container, UINT width, UINT height, UINT bitsPerPixel, uint64_t encodedBytes) {
+    const uint64_t perByte = MostPixelsPerByte(container, width, bitsPerPixel);
+    const uint64_t scaled = encodedBytes > SIZE_MAX / perByte ? SIZE_MAX : encodedBytes * perByte / 1024;
+    return PlausibleSize(width, height, static_cast<size_t>(scaled));
+}
+
+// Rows come from WIC top-down, one at a time, straight into the DIB's bottom-up rows.
+bool CopyRowsInto(IWICBitmapSource* source, PackedDib& dib) {
+    const UINT width = static_cast<UINT>(dib.width()), stride = static_cast<UINT>(dib.stride());
+    for (int y = 0; y < dib.height(); ++y) {
+        const WICRect rect{0, y, static_cast<INT>(width), 1};
+        if (FAILED(source->CopyPixels(&rect, stride, stride, dib.row(y)))) return false;
+    }
+    return true;
+}
+
+// A new image of `bitCount` filled from `source`, which is already in the DIB's pixel layout.
 std::optional<PackedDib> CopyRows(IWICBitmapSource* source, UINT width, UINT height, int bitCount) {
     PackedDib dib = NewImage(width, height, bitCount, SIZE_MAX);
+    if (dib.empty() || !CopyRowsInto(source, dib)) return std::nullopt;
+    return dib;
+}
+
+// A new image of `bitCount` whose rows `convert` makes from the source's rows of
+// `sourceBits` per pixel, read one at a time.
+template <class Convert>
+std::optional<PackedDib> ConvertRows(IWICBitmapSource* source, UINT width, UINT height, int sourceBits, int bitCount,
+                                     Convert convert) {
+    PackedDib dib = NewImage(width, height, bitCount, SIZE_MAX);
     if (dib.empty()) return std::nullopt;
-    const UINT stride = static_cast<UINT>(dib.stride());
-    const size_t total = static_cast<size_t>(stride) * height;
-    if (total > UINT_MAX) return std::nullopt;
-    std::vector<uint8_t> topDown(total);
-    if (FAILED(source->CopyPixels(nullptr, stride, static_cast<UINT>(total), topDown.data()))) return std::nullopt;
-    for (UINT y = 0; y < height; ++y) std::memcpy(dib.row(static_cast<int>(y)), topDown.data() + static_cast<size_t>(y) * stride, stride);
+    const UINT rowBytes = static_cast<UINT>((static_cast<uint64_t>(width) * sourceBits + 7) / 8);
+    std::vector<uint8_t> row(rowBytes);
+    for (UINT y = 0; y < height; ++y) {
+        const WICRect rect{0, static_cast<INT>(y), static_cast<INT>(width), 1};
+        if (FAILED(source->CopyPixels(&rect, rowBytes, rowBytes, row.data()))) return std::nullopt;
+        convert(row.data(), dib.row(static_cast<int>(y)));
+    }
     return dib;
 }
 
 // DIBs have no two-bit depth: each two-bit index becomes a four-bit one.
 std::optional<PackedDib> CopyTwoBitRowsAsFour(IWICBitmapSource* source, UINT width, UINT height) {
-    PackedDib dib = NewImage(width, height, 4, SIZE_MAX);
-    if (dib.empty()) return std::nullopt;
-    const size_t stride = (static_cast<size_t>(width) * 2 + 31) / 32 * 4;
-    const size_t total = stride * height;
-    if (total > UINT_MAX) return std::nullopt;
-    std::vector<uint8_t> topDown(total);
-    if (FAILED(source->CopyPixels(nullptr, static_cast<UINT>(stride), static_cast<UINT>(total), topDown.data())))
-        return std::nullopt;
-    for (UINT y = 0; y < height; ++y) {
-        const uint8_t* from = topDown.data() + y * stride;
-        uint8_t* to = dib.row(static_cast<int>(y));
+    return ConvertRows(source, width, height, 2, 4, [width](const uint8_t* from, uint8_t* to) {
         for (UINT x = 0; x < width; ++x) PutIndex(to, 4, static_cast<int>(x), (from[x >> 2] >> (6 - 2 * (x & 3))) & 3);
-    }
-    return dib;
+    });
+}
+
+bool CreateConverter(IWICImagingFactory* factory, IWICBitmapSource* frame, const WICPixelFormatGUID& to,
+                     ComPtr<IWICFormatConverter>& converter) {
+    return SUCCEEDED(factory->CreateFormatConverter(converter.out())) &&
+           SUCCEEDED(converter->Initialize(frame, to, WICBitmapDitherTypeNone, nullptr, 0.0, WICBitmapPaletteTypeCustom));
 }
 
 std::optional<PackedDib> Converted(IWICImagingFactory* factory, IWICBitmapSource* frame, const WICPixelFormatGUID& to,
                                    UINT width, UINT height, int bitCount) {
     ComPtr<IWICFormatConverter> converter;
-    if (FAILED(factory->CreateFormatConverter(converter.out())) ||
-        FAILED(converter->Initialize(frame, to, WICBitmapDitherTypeNone, nullptr, 0.0, WICBitmapPaletteTypeCustom)))
-        return std::nullopt;
+    if (!CreateConverter(factory, frame, to, converter)) return std::nullopt;
     return CopyRows(converter.get(), width, height, bitCount);
 }
 
 // Colour without transparency as 24-bit BGR. Not every converter offers 24 bits from every
-// source (Wine's takes 16-bit samples, grey below 8 bits and two-bit palettes only to
-// 32-bit BGRA, and refuses only once the pixels are asked for); 32-bit BGRA is the form
-// every converter knows, and its alpha is all opaque here.
+// source (Wine's takes 16-bit colour samples only to 32-bit BGRA, and refuses only once
+// the pixels are asked for); 32-bit BGRA is the form every converter knows, and its alpha
+// is all opaque here, so each row keeps three bytes of every four.
 std::optional<PackedDib> ConvertedToBgr(IWICImagingFactory* factory, IWICBitmapSource* frame, UINT width, UINT height) {
     if (auto dib = Converted(factory, frame, GUID_WICPixelFormat24bppBGR, width, height, 24)) return dib;
-    auto bgra = Converted(factory, frame, GUID_WICPixelFormat32bppBGRA, width, height, 32);
-    if (!bgra) return std::nullopt;
-    return DropOpaqueAlpha(std::move(*bgra));
+    ComPtr<IWICFormatConverter> converter;
+    if (!CreateConverter(factory, frame, GUID_WICPixelFormat32bppBGRA, converter)) return std::nullopt;
+    return ConvertRows(converter.get(), width, height, 32, 24, [width](const uint8_t* from, uint8_t* to) {
+        for (UINT x = 0; x < width; ++x, from += 4, to += 3) std::memcpy(to, from, 3);
+    });
+}
+
+// Grey keeps a grey palette: one, four and eight bits as they are, two bits as four,
+// sixteen bits rounded to eight. Null for any other format.
+std::optional<PackedDib> CopyGrey(IWICBitmapSource* frame, const WICPixelFormatGUID& format, UINT width, UINT height) {
+    if (format == GUID_WICPixelFormatBlackWhite) return CopyRows(frame, width, height, 1);
+    if (format == GUID_WICPixelFormat4bppGray) return CopyRows(frame, width, height, 4);
+    if (format == GUID_WICPixelFormat8bppGray) return CopyRows(frame, width, height, 8);
+    if (format == GUID_WICPixelFormat2bppGray) {
+        auto dib = CopyTwoBitRowsAsFour(frame, width, height);
+        if (!dib) return std::nullopt;
+        for (int i = 0; i < 4; ++i) {
+            const uint8_t level = static_cast<uint8_t>(i * 85);
+            dib->palette()[i] = Rgbq{level, level, level, 0};
+        }
+        return dib;
+    }
+    if (format == GUID_WICPixelFormat16bppGray)
+        return ConvertRows(frame, width, height, 16, 8, [width](const uint8_t* from, uint8_t* to) {
+            for (UINT x = 0; x < width; ++x) to[x] = ScaleSample(ReadLe16(from + 2 * x), 65535);
+        });
+    return std::nullopt;
 }
 
 // A palette image keeps its indices and colours when no entry is transparent.
@@ -148,19 +224,22 @@ int IndexedBits(const WICPixelFormatGUID& format) {
     return 0;
 }
 
-std::optional<PackedDib> DecodeFrame(IWICImagingFactory* factory, IWICBitmapDecoder* decoder) {
+// `encodedBytes` is the size of the file or memory block the decoder reads.
+std::optional<PackedDib> DecodeFrame(IWICImagingFactory* factory, IWICBitmapDecoder* decoder, uint64_t encodedBytes) {
     ComPtr<IWICBitmapFrameDecode> frame;
     UINT width = 0, height = 0;
     WICPixelFormatGUID format{};
-    if (FAILED(decoder->GetFrame(0, frame.out())) || FAILED(frame->GetSize(&width, &height)) ||
-        FAILED(frame->GetPixelFormat(&format)) || !PlausibleSize(width, height, SIZE_MAX))
+    GUID container{};
+    if (FAILED(decoder->GetContainerFormat(&container)) || FAILED(decoder->GetFrame(0, frame.out())) ||
+        FAILED(frame->GetSize(&width, &height)) || FAILED(frame->GetPixelFormat(&format)) ||
+        !PlausibleForEncoding(container, width, height, PixelFormatBits(factory, format), encodedBytes))
         return std::nullopt;
 
     const int indexedBits = IndexedBits(format);
     if (indexedBits != 0)
         if (auto dib = CopyIndexed(factory, frame.get(), indexedBits, width, height)) return dib;
     // A palette with a transparent entry (GIF, PNG with tRNS) goes the 32-bit way below.
-    if (format == GUID_WICPixelFormat8bppGray) return CopyRows(frame.get(), width, height, 8);  // grey palette by default
+    if (auto dib = CopyGrey(frame.get(), format, width, height)) return dib;
     if (indexedBits != 0 || FormatHasAlpha(factory, format)) {
         auto dib = Converted(factory, frame.get(), GUID_WICPixelFormat32bppBGRA, width, height, 32);
         if (!dib) return std::nullopt;
@@ -178,7 +257,7 @@ std::optional<PackedDib> DecodeStream(IWICImagingFactory* factory, std::span<con
         FAILED(stream->InitializeFromMemory(const_cast<BYTE*>(encoded.data()), static_cast<DWORD>(encoded.size()))) ||
         FAILED(factory->CreateDecoderFromStream(stream.get(), nullptr, WICDecodeMetadataCacheOnDemand, decoder.out())))
         return std::nullopt;
-    return DecodeFrame(factory, decoder.get());
+    return DecodeFrame(factory, decoder.get(), encoded.size());
 }
 
 // The bytes the orientation tag may lie in: a JPEG keeps its Exif segment near the start,
@@ -206,9 +285,11 @@ std::optional<PackedDib> LoadWithSystemCodec(const std::filesystem::path& path, 
     if (!com.usable() || !CreateFactory(factory)) return std::nullopt;
     ComPtr<IWICBitmapDecoder> decoder;
     std::optional<PackedDib> dib;
-    if (SUCCEEDED(factory->CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ, WICDecodeMetadataCacheOnDemand,
-                                                     decoder.out())))
-        dib = DecodeFrame(factory.get(), decoder.get());
+    std::error_code error;
+    const uintmax_t fileBytes = std::filesystem::file_size(path, error);
+    if (!error && SUCCEEDED(factory->CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
+                                                               WICDecodeMetadataCacheOnDemand, decoder.out())))
+        dib = DecodeFrame(factory.get(), decoder.get(), fileBytes);
     if (dib && (type == 2 || type == 4)) {
         const int orientation = ReadExifOrientation(OrientationBytes(path, type));
         if (!OrientUpright(*dib, orientation)) return std::nullopt;

@@ -45,34 +45,51 @@ TEST(WicLoader, LosslessFormatsComeBackExactlyAtTheirDepth) {
     }
 }
 
-// PNG variants made by ImageMagick (png/make.sh), each beside the pixels ImageMagick reads
-// from it: every bit depth and colour type, transparency by tRNS, Adam7 interlace.
-TEST(WicLoader, PngOfEveryDepthAndColourType) {
-    struct Case {
-        const char* stem;
-        int bitCount;
-        int tolerance;  // 16-bit samples: ImageMagick rounds to 8 bits, others may truncate
-    };
-    const Case cases[] = {
-        {"rgb16", 24, 1},   {"rgba16", 32, 1},  {"grey16", 24, 1},  {"greya16", 32, 1}, {"greya8", 32, 0},
-        {"grey4", 24, 0},   {"grey2", 24, 0},   {"pal1", 1, 0},     {"pal2", 4, 0},     {"pal4", 4, 0},
-        {"pal8", 8, 0},     {"pal8trns", 32, 0}, {"pal4trns", 32, 0}, {"rgb8i", 24, 0},  {"rgba8i", 32, 0},
-    };
-    const std::filesystem::path folder = lxtest::SourceDir() / "tests/lib/ncimg/win32/png";
-    for (const Case& c : cases) {
-        const std::vector<uint8_t> raw = lxtest::ReadFile(folder / (std::string(c.stem) + ".rgba"));
-        ASSERT_EQ(raw.size(), 13u * 7 * 4) << c.stem;
-        lxtest::Rgba expected{13, 7, {}};
-        for (size_t i = 0; i < raw.size(); i += 4)
-            expected.pixels.push_back(static_cast<uint32_t>(raw[i + 3]) << 24 | raw[i] << 16 | raw[i + 1] << 8 | raw[i + 2]);
-        const auto dib = lx::LoadImageFile(folder / (std::string(c.stem) + ".png"));
-        if (!dib) {
-            ADD_FAILURE() << c.stem << " did not load";
-            continue;
-        }
-        EXPECT_EQ(dib->bitCount(), c.bitCount) << c.stem;
-        EXPECT_TRUE(lxtest::SamePixels(*dib, expected, c.tolerance)) << c.stem;
+// Files made by ImageMagick (png/make.sh, tiff/make.sh), each beside the pixels ImageMagick
+// reads from it: 13 x 7, 8-bit RGBA, rows from the top.
+struct OracleCase {
+    const char* file;  // under tests/lib/ncimg/win32
+    int bitCount;
+    int tolerance;  // 16-bit samples: ImageMagick rounds to 8 bits, others may truncate
+};
+
+// The loaded image, when it has the expected depth and ImageMagick's pixels.
+std::optional<PackedDib> LoadLikeOracle(const OracleCase& c) {
+    const std::filesystem::path file = lxtest::SourceDir() / "tests/lib/ncimg/win32" / c.file;
+    const std::vector<uint8_t> raw = lxtest::ReadFile(std::filesystem::path(file).replace_extension(".rgba"));
+    lxtest::Rgba expected{13, 7, {}};
+    for (size_t i = 0; i + 3 < raw.size(); i += 4)
+        expected.pixels.push_back(static_cast<uint32_t>(raw[i + 3]) << 24 | raw[i] << 16 | raw[i + 1] << 8 | raw[i + 2]);
+    auto dib = lx::LoadImageFile(file);
+    if (raw.size() != 13u * 7 * 4 || !dib) {
+        ADD_FAILURE() << c.file << (dib ? ": no oracle pixels" : " did not load");
+        return std::nullopt;
     }
+    EXPECT_EQ(dib->bitCount(), c.bitCount) << c.file;
+    EXPECT_TRUE(lxtest::SamePixels(*dib, expected, c.tolerance)) << c.file;
+    return dib;
+}
+
+// Every bit depth and colour type, transparency by tRNS, Adam7 interlace.
+TEST(WicLoader, PngOfEveryDepthAndColourType) {
+    const OracleCase cases[] = {
+        {"png/rgb16.png", 24, 1},      {"png/rgba16.png", 32, 1},    {"png/greya16.png", 32, 1},
+        {"png/greya8.png", 32, 0},     {"png/pal1.png", 1, 0},       {"png/pal2.png", 4, 0},
+        {"png/pal4.png", 4, 0},        {"png/pal8.png", 8, 0},       {"png/pal8trns.png", 32, 0},
+        {"png/pal4trns.png", 32, 0},   {"png/rgb8i.png", 24, 0},     {"png/rgba8i.png", 32, 0},
+    };
+    for (const OracleCase& c : cases) LoadLikeOracle(c);
+}
+
+// Grey stays grey at the nearest DIB depth: one, four or eight bits with a grey palette.
+TEST(WicLoader, GreyOfEveryDepthKeepsAGreyPalette) {
+    const OracleCase cases[] = {
+        {"png/grey1.png", 1, 0},   {"png/grey2.png", 4, 0},   {"png/grey4.png", 4, 0},   {"png/grey16.png", 8, 1},
+        {"tiff/grey1.tif", 1, 0},  {"tiff/grey1w.tif", 1, 0}, {"tiff/grey4.tif", 4, 0},
+        {"tiff/grey8.tif", 8, 0},  {"tiff/grey16.tif", 8, 1},
+    };
+    for (const OracleCase& c : cases)
+        if (const auto dib = LoadLikeOracle(c)) EXPECT_TRUE(dib->hasGreyPalette()) << c.file;
 }
 
 TEST(WicLoader, IconsKeepTheirAlpha) {
@@ -169,6 +186,59 @@ TEST(WicLoader, CameraRawShowsItsLargestPreviewUpright) {
     const auto small = SaveAndLoad(dir / "thumb.nef", lxtest::MakeRawLikeFile({{}, thumb, 0}));
     ASSERT_TRUE(small);
     EXPECT_TRUE(lxtest::SamePixels(*small, lxtest::PixelsOf(thumb)));
+}
+
+// A baseline grey JPEG claiming `width` x `height` pixels, whose entropy-coded data ends
+// after four blocks: a decoder fills the rest of the canvas in grey.
+std::vector<uint8_t> JpegClaiming(uint16_t width, uint16_t height) {
+    std::vector<uint8_t> file = {
+        0xff, 0xd8,                                        // start of image
+        0xff, 0xdb, 0, 67, 0,                              // quantisation table 0, 64 entries:
+    };
+    file.resize(file.size() + 64, 1);                      //   all 1
+    const std::vector<uint8_t> rest = {
+        0xff, 0xc0, 0, 11, 8,                              // baseline frame, 8-bit samples
+        static_cast<uint8_t>(height >> 8), static_cast<uint8_t>(height),  // height
+        static_cast<uint8_t>(width >> 8), static_cast<uint8_t>(width),    // width
+        1, 1, 0x11, 0,                                     // one component: id 1, 1x1, table 0
+        0xff, 0xc4, 0, 20, 0x00,                           // Huffman table, DC 0:
+        1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,    //   one code of one bit
+        0,                                                 //   for difference size 0
+        0xff, 0xc4, 0, 20, 0x10,                           // Huffman table, AC 0:
+        1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,    //   one code of one bit
+        0,                                                 //   for end of block
+        0xff, 0xda, 0, 8, 1, 1, 0x00, 0, 63, 0,            // scan: component 1, tables 0/0
+        0x00,                                              // four blocks: DC 0, end of block
+        0xff, 0xd9,                                        // end of image
+    };
+    file.insert(file.end(), rest.begin(), rest.end());
+    return file;
+}
+
+TEST(WicLoader, RefusesCanvasesTheFileIsTooSmallToHold) {
+    lxtest::ScratchDir dir("wic-claims");
+    // A 2-megapixel canvas is small enough to be filled in, as damaged photographs are.
+    const auto small = SaveAndLoad(dir / "small.jpg", JpegClaiming(2000, 1000));
+    ASSERT_TRUE(small);
+    EXPECT_EQ(small->width(), 2000);
+    // 400 megapixels need at least 780 KB of JPEG data, one bit per block; 24 at least 47 KB.
+    EXPECT_FALSE(SaveAndLoad(dir / "claim.jpg", JpegClaiming(20000, 20000)));
+    EXPECT_FALSE(lx::LoadJpegFromMemory(JpegClaiming(6000, 4000)));
+    // The emptiest real photograph, a blank 12-megapixel sky, progressive with optimised
+    // tables, still loads.
+    PackedDib sky = PackedDib::Create(4000, 3000, 24);
+    for (int y = 0; y < sky.height(); ++y)
+        for (int x = 0; x < sky.width(); ++x) {
+            uint8_t* p = sky.row(y) + 3 * x;
+            p[0] = 232, p[1] = 181, p[2] = 135;
+        }
+    lx::JpegSaveRecord record;
+    record.quality = 75;
+    record.progressive = 1;
+    record.optimizeHuffman = 1;
+    const auto loaded = SaveAndLoad(dir / "sky.jpg", lx::EncodeJpeg(sky, record));
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(loaded->width(), 4000);
 }
 
 TEST(WicLoader, JapaneseNamesAndDamagedFiles) {

@@ -13,6 +13,7 @@ convert -size 13x7 gradient:red-blue \( -size 13x7 gradient:white-black \) -alph
 convert $ramp \( +clone -flop \) -alpha off -compose copy_opacity -composite -type GrayscaleAlpha $plain -depth 8 greya8.png
 convert $ramp \( +clone -flop \) -alpha off -compose copy_opacity -composite -type GrayscaleAlpha $plain -depth 16 greya16.png
 convert $ramp $plain -define png:color-type=0 -define png:bit-depth=4 grey4.png
+convert $ramp $plain -define png:color-type=0 -define png:bit-depth=1 grey1.png
 convert $ramp $plain -define png:color-type=0 -define png:bit-depth=2 grey2.png
 convert $rose $plain PNG8:pal8.png
 convert $rose -colors 12 $plain -define png:color-type=3 -define png:bit-depth=4 pal4.png
