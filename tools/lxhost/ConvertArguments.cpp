@@ -95,6 +95,10 @@ std::optional<ConvertRequest> ParseConvertArguments(const std::vector<std::wstri
         } else if (arg.size() > 2 && arg.compare(0, 2, L"--") == 0) {
             error = L"unknown option " + arg;
             return std::nullopt;
+        } else if (arg.empty()) {
+            // An empty name would make the output folder itself the destination.
+            error = L"an empty file name";
+            return std::nullopt;
         } else {
             request.files.push_back(arg);
         }

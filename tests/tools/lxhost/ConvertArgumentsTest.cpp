@@ -71,6 +71,7 @@ TEST(ConvertArgumentsTest, MistakesAreRefusedWithAReason) {
         {L"--format", L"2", L"--output", L"o", L"--colour", L"f"},
         {L"--format", L"99999999999", L"--output", L"o", L"f"},
         {L"--format", L"2", L"--output", std::wstring(520, L'o'), L"f"},
+        {L"--format", L"2", L"--output", L"o", L"", L"f"},                     // empty file name
     };
     for (const auto& args : bad) {
         std::wstring error;
