@@ -366,7 +366,9 @@ void CThumbnaiListView::RemoveAt(int index) {
 
 SIZE CThumbnaiListView::ItemSize() const {
     if (!hwnd_) return {0, 0};
-    const DWORD size = ListView_ApproximateViewRect(hwnd_, -1, -1, 1);
+    // Room enough for one cell whatever the control's present size: the frame asks for it
+    // before the list is laid out in a new place.
+    const DWORD size = ListView_ApproximateViewRect(hwnd_, 0x7FFF, 0x7FFF, 1);
     return {LOWORD(size), HIWORD(size)};
 }
 
