@@ -298,13 +298,13 @@ void CommandBar::ShowHelp(UINT command) {
 
 void CommandBar::OnMenuSelect(WPARAM wParam, LPARAM lParam) {
     const UINT flags = HIWORD(wParam);
-    if (flags == 0xFFFF && lParam == 0) {
-        ShowHelp(0);  // the menu closed
-        return;
-    }
-    // A submenu or a separator has no help of its own: the bar stays empty meanwhile.
-    const bool command = !(flags & (MF_POPUP | MF_SEPARATOR)) && LOWORD(wParam) != 0;
-    if (status_) status_->ShowHelp(command ? StatusLine(LoadEntry(instance_, LOWORD(wParam))) : L"");
+    if (!status_) return;
+    if (flags == 0xFFFF && lParam == 0)
+        status_->EndHelp();  // the menu closed
+    else if (flags & (MF_POPUP | MF_SEPARATOR))
+        status_->ShowHelp(L"");  // a submenu or a separator has no help line of its own
+    else
+        ShowHelp(LOWORD(wParam));
 }
 
 void CommandBar::EnableCommand(UINT id, bool enabled) {

@@ -46,10 +46,8 @@ void Splitter::SetMinimums(int first, int second) {
     Layout();
 }
 
-void Splitter::MoveBar(int position) { kept_ = keepSecond_ ? Extent() - position - barWidth_ : position; }
-
 void Splitter::SetPosition(int position) {
-    MoveBar(position);
+    kept_ = keepSecond_ ? Extent() - position - barWidth_ : position;
     Layout();
 }
 

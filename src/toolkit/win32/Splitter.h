@@ -42,7 +42,6 @@ private:
     int Along(LPARAM lParam) const;
     // Where the bar is drawn: the position clamped to the panes' minimums.
     int BarAt() const;
-    void MoveBar(int position);
     bool OnBar(int at) const;
     void Layout();
 
