@@ -169,6 +169,10 @@ int CViewFrame::ListPaneSize() const {
 void CViewFrame::PlaceList() {
     Splitter& area = ImageArea();
     Splitter& other = record_.listBelow ? rightSplitter_ : belowSplitter_;
+    // The list keeps its size as the window or the information pane changes; the picture
+    // takes the rest. Set before the panes move in, so they are placed once, at that size.
+    record_.listSize = ListPaneSize();
+    area.SetSecondSize(record_.listSize);
     SetParent(zoomView_, area.hwnd());
     SetParent(thumbnailList_.hwnd(), area.hwnd());
     other.SetPanes(nullptr, nullptr);
@@ -177,10 +181,6 @@ void CViewFrame::PlaceList() {
     area.SetMinimums(32, 0);
     area.ShowOnly(record_.listShown ? -1 : 0);
     outerSplitter_.SetPanes(informationView_.hwnd(), area.hwnd());
-    // The list keeps its size as the window or the information pane changes; the picture
-    // takes the rest.
-    record_.listSize = ListPaneSize();
-    area.SetSecondSize(record_.listSize);
     LayoutChildren();
 }
 
