@@ -255,6 +255,20 @@ TEST_F(ViewerTest, ASecondOpenDuringALoadIsRefused) {
     EXPECT_EQ(viewer.Title(), L"big1.bmp - " + kCaption);
 }
 
+TEST_F(ViewerTest, AStaleResultIsFreedAndNotShown) {
+    WriteBitmap(dir_ / "a.bmp", 40, 30);
+    Viewer viewer(dir_ / "a.bmp");
+    ASSERT_TRUE(viewer.WaitTitle(L"a.bmp"));
+    PackedDib other = PackedDib::Create(99, 77, 24);
+    HGLOBAL stale = GlobalAlloc(GMEM_MOVEABLE, other.bytes().size());
+    std::memcpy(GlobalLock(stale), other.bytes().data(), other.bytes().size());
+    GlobalUnlock(stale);
+    PostMessageW(viewer.frame(), RegisterWindowMessageW(L"wm_gmil_loadimagecompleted"), 12345,
+                 reinterpret_cast<LPARAM>(stale));
+    EXPECT_TRUE(WaitFor([&] { return GlobalSize(stale) == 0; }, 5000));  // freed by the frame
+    EXPECT_EQ(viewer.StatusText(4), L"40 x 30");
+}
+
 TEST_F(ViewerTest, SameSizeImagesKeepTheZoomAndASmallOneShowsAtOriginalSize) {
     WriteBitmap(dir_ / "s0.bmp", 3000, 2000, 10);
     WriteBitmap(dir_ / "s1.bmp", 3000, 2000, 90);
