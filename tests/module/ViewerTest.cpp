@@ -27,7 +27,7 @@ using lxtest::WaitFor;
 namespace {
 
 constexpr wchar_t kFrameClass[] = L"LXIMAGEVIEW_FRAME";
-constexpr int kZoomViewId = 21, kListId = 23, kInformationId = 6, kStatusId = 59393;
+constexpr int kZoomViewId = 21, kListId = 23, kInformationId = 6, kStatusId = 59393, kToolBarId = 0xE803;
 constexpr UINT kGetZoom = 1698;
 const std::wstring kCaption = L"フォト イメージ";
 const wchar_t kSettingsKey[] = L"Software\\Northcape\\Applets\\lxpicture\\MainViewer";
@@ -74,6 +74,8 @@ public:
         return WaitFor([&] { return Title() == fileName + L" - " + kCaption; }, ms);
     }
     void Command(UINT id) { PostMessageW(frame_, WM_COMMAND, id, 0); }
+    // A command that opens no dialog, carried out before this returns.
+    void CommandNow(UINT id) { SendMessageW(frame_, WM_COMMAND, id, 0); }
 
     HWND List() const { return FindChild(frame_, kListId); }
     HWND View() const { return FindChild(frame_, kZoomViewId); }
@@ -84,6 +86,28 @@ public:
         wchar_t text[200] = {};
         SendMessageW(FindChild(frame_, kStatusId), SB_GETTEXTW, index, reinterpret_cast<LPARAM>(text));
         return text;
+    }
+    HWND ToolBar() const { return FindChild(frame_, kToolBarId); }
+    bool ToolEnabled(UINT id) const { return SendMessageW(ToolBar(), TB_ISBUTTONENABLED, id, 0) != 0; }
+    // Keys as the user presses them: a chord's keys go down and then up in the same order (a
+    // quick hand lets go of Alt first); a character goes in as typed text, whatever the
+    // keyboard layout.
+    void Press(std::vector<WORD> chord, wchar_t character = 0) {
+        SetForegroundWindow(frame_);
+        std::vector<INPUT> inputs;
+        auto add = [&](WORD key, WORD scan, DWORD flags) {
+            INPUT input{INPUT_KEYBOARD};
+            input.ki = {key, scan, flags, 0, 0};
+            if (key == VK_LEFT || key == VK_RIGHT) input.ki.dwFlags |= KEYEVENTF_EXTENDEDKEY;
+            inputs.push_back(input);
+        };
+        for (WORD key : chord) add(key, 0, 0);
+        for (WORD key : chord) add(key, 0, KEYEVENTF_KEYUP);
+        if (character) {
+            add(0, character, KEYEVENTF_UNICODE);
+            add(0, character, KEYEVENTF_UNICODE | KEYEVENTF_KEYUP);
+        }
+        SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
     }
     RECT ScreenRect(HWND child) const {
         RECT r{};
@@ -143,16 +167,36 @@ TEST_F(ViewerTest, OpensTheFileAndListsItsFolderInLogicalOrder) {
     EXPECT_EQ(viewer.StatusText(4), L"64 x 48");
     EXPECT_EQ(viewer.StatusText(5), L"24bpp");
     EXPECT_EQ(viewer.Zoom(), 1000);  // small picture: original size
+    // The pointer's place: only over the picture, and gone with the picture.
+    RECT view{};
+    GetClientRect(viewer.View(), &view);
+    SendMessageW(viewer.View(), WM_MOUSEMOVE, 0, MAKELPARAM(2, 2));
+    EXPECT_EQ(viewer.StatusText(1), L"");
+    SendMessageW(viewer.View(), WM_MOUSEMOVE, 0, MAKELPARAM(view.right / 2, view.bottom / 2));
+    EXPECT_NE(viewer.StatusText(1), L"");
     viewer.Command(2015);
     EXPECT_TRUE(viewer.WaitTitle(L"a10.bmp"));
+    EXPECT_EQ(viewer.StatusText(1), L"");
     viewer.Command(2015);
     EXPECT_TRUE(viewer.WaitTitle(L"A1.bmp"));  // wraps to the first
     viewer.Command(2014);
     EXPECT_TRUE(viewer.WaitTitle(L"a10.bmp"));  // and back over the start to the last
-    // The information pane reports the file.
+    // The information pane reports the file, every name and value whole, and its default
+    // width shows a name beside a date.
     HWND info = FindChild(viewer.frame(), kInformationId);
     ASSERT_TRUE(info);
-    EXPECT_TRUE(WaitFor([&] { return SendMessageW(info, LVM_GETITEMCOUNT, 0, 0) >= 4; }));
+    ASSERT_TRUE(WaitFor([&] { return ListView_GetItemCount(info) >= 4; }));
+    for (int row = 0; row < ListView_GetItemCount(info); ++row)
+        for (int column = 0; column < 2; ++column) {
+            wchar_t text[200] = {};
+            ListView_GetItemText(info, row, column, text, 200);
+            EXPECT_GT(ListView_GetColumnWidth(info, column), ListView_GetStringWidth(info, text)) << row << " " << column;
+        }
+    wchar_t date[200] = {};
+    ListView_GetItemText(info, 3, 1, date, 200);
+    RECT pane{};
+    GetClientRect(info, &pane);
+    EXPECT_GE(pane.right, ListView_GetColumnWidth(info, 0) + ListView_GetStringWidth(info, date) + 8);
 }
 
 TEST_F(ViewerTest, AnEightBitLineAsRundll32PassesItIsRead) {
@@ -244,42 +288,61 @@ TEST_F(ViewerTest, SameSizeImagesKeepTheZoomAndASmallOneShowsAtOriginalSize) {
     EXPECT_EQ(viewer.Zoom(), 1000);
 }
 
-TEST_F(ViewerTest, LayoutRecordOfAnotherLengthIsIgnoredAndCloseWritesBothRecords) {
+// The list keeps the size of one column (or row) of cells whatever else changes, and the
+// layout is stored on close; a stored record of another length is ignored.
+TEST_F(ViewerTest, TheListKeepsItsSizeThroughPlacementAndPaneChangesAndCloseStoresIt) {
     WriteBitmap(dir_ / "a.bmp", 40, 30);
     HKEY key = nullptr;
     ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, kSettingsKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
               ERROR_SUCCESS);
     const int32_t below[6] = {0, 1, 1, 150, 120, 0};  // no information pane, list below
-    RegSetValueExW(key, L"ImageInfo", 0, REG_BINARY, reinterpret_cast<const BYTE*>(below), 23);
-    {
-        Viewer viewer(dir_ / "a.bmp");
-        ASSERT_TRUE(viewer.WaitTitle(L"a.bmp"));
-        const RECT view = viewer.ScreenRect(viewer.View()), list = viewer.ScreenRect(viewer.List());
-        EXPECT_GE(list.left, view.right);  // defaults: the list at the right
-        EXPECT_TRUE(IsWindowVisible(FindChild(viewer.frame(), kInformationId)));
-    }
-    DWORD size = 0;
-    EXPECT_EQ(RegQueryValueExW(key, L"ImageInfo", nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
-    EXPECT_EQ(size, 24u);
-    size = 0;
-    EXPECT_EQ(RegQueryValueExW(key, L"WndPos", nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
-    EXPECT_EQ(size, 44u);
-
-    RegSetValueExW(key, L"ImageInfo", 0, REG_BINARY, reinterpret_cast<const BYTE*>(below), 24);
-    {
-        Viewer viewer(dir_ / "a.bmp");
-        ASSERT_TRUE(viewer.WaitTitle(L"a.bmp"));
-        const RECT view = viewer.ScreenRect(viewer.View()), list = viewer.ScreenRect(viewer.List());
-        EXPECT_GE(list.top, view.bottom);  // the record: the list below
-        EXPECT_NEAR(list.bottom - list.top, 120, 2);
-        EXPECT_FALSE(IsWindowVisible(FindChild(viewer.frame(), kInformationId)));
-        // Placement toggles back to the right.
-        viewer.Command(2106);
-        EXPECT_TRUE(WaitFor([&] { return viewer.ScreenRect(viewer.List()).left >= viewer.ScreenRect(viewer.View()).right; }));
-    }
     int32_t stored[6] = {};
-    size = sizeof stored;
-    RegQueryValueExW(key, L"ImageInfo", nullptr, nullptr, reinterpret_cast<BYTE*>(stored), &size);
+    auto readRecord = [&] {
+        DWORD size = sizeof stored, placement = 0;
+        EXPECT_EQ(RegQueryValueExW(key, L"ImageInfo", nullptr, nullptr, reinterpret_cast<BYTE*>(stored), &size), 0);
+        EXPECT_EQ(size, 24u);
+        EXPECT_EQ(RegQueryValueExW(key, L"WndPos", nullptr, nullptr, nullptr, &placement), 0);
+        EXPECT_EQ(placement, 44u);
+    };
+    auto width = [](RECT r) { return r.right - r.left; };
+    auto height = [](RECT r) { return r.bottom - r.top; };
+    for (DWORD length : {23u, 24u}) {
+        RegSetValueExW(key, L"ImageInfo", 0, REG_BINARY, reinterpret_cast<const BYTE*>(below), length);
+        Viewer viewer(dir_ / "a.bmp");
+        ASSERT_TRUE(viewer.WaitTitle(L"a.bmp"));
+        auto view = [&] { return viewer.ScreenRect(viewer.View()); };
+        auto list = [&] { return viewer.ScreenRect(viewer.List()); };
+        if (length == 24) {
+            EXPECT_GE(list().top, view().bottom);  // the record: the list below
+            EXPECT_NEAR(height(list()), 120, 2);
+            EXPECT_FALSE(IsWindowVisible(FindChild(viewer.frame(), kInformationId)));
+            viewer.CommandNow(2106);  // back to the right
+            EXPECT_GE(list().left, view().right);
+            break;
+        }
+        EXPECT_GE(list().left, view().right);  // defaults: the list at the right
+        EXPECT_TRUE(IsWindowVisible(FindChild(viewer.frame(), kInformationId)));
+        const int atRight = width(list());
+        EXPECT_LT(atRight, 200);
+        viewer.CommandNow(2106);  // below: one row of cells; the picture keeps the rest
+        ASSERT_GE(list().top, view().bottom);
+        EXPECT_LT(height(list()), 200);
+        EXPECT_GT(height(view()), height(list()));
+        viewer.CommandNow(2106);
+        ASSERT_GE(list().left, view().right);
+        EXPECT_EQ(width(list()), atRight);
+        const int viewWidth = width(view());
+        viewer.CommandNow(5511);  // the room of the information pane goes to the picture
+        EXPECT_GT(width(view()), viewWidth);
+        EXPECT_EQ(width(list()), atRight);
+        viewer.Command(2001);
+        ASSERT_TRUE(viewer.WaitEnded());
+        readRecord();
+        EXPECT_EQ(stored[0], 0);
+        EXPECT_EQ(stored[2], 0);
+        EXPECT_EQ(stored[4], atRight);
+    }
+    readRecord();
     EXPECT_EQ(stored[0], 0);  // information pane still hidden
     EXPECT_EQ(stored[2], 0);  // list now at the right
     RegCloseKey(key);
@@ -321,6 +384,77 @@ TEST_F(ViewerTest, TwoHundredImageChangesKeepMemoryAndHandlesFlat) {
     EXPECT_LT(static_cast<long long>(after.PagefileUsage) - static_cast<long long>(before.PagefileUsage), 40LL << 20);
     EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), gdiBefore + 10);
     EXPECT_LE(handlesAfter, handlesBefore + 10);
+}
+
+TEST_F(ViewerTest, KeysKeepWorkingAfterAltArrowsAndTheMainKeyboardStarZooms) {
+    WriteBitmap(dir_ / "k0.bmp", 40, 30);
+    WriteBitmap(dir_ / "k1.bmp", 40, 30, 200);
+    Viewer viewer(dir_ / "k0.bmp");
+    ASSERT_TRUE(viewer.WaitTitle(L"k0.bmp"));
+    ASSERT_TRUE(WaitFor([&] { return viewer.ListCount() == 2; }));
+    const struct {
+        const char* keys;
+        std::vector<WORD> chord;
+        wchar_t character;
+        std::function<bool()> done;
+    } steps[] = {
+        {"numeric pad -", {VK_SUBTRACT}, 0, [&] { return viewer.Zoom() < 1000; }},
+        {"*", {}, L'*', [&] { return viewer.Zoom() == 1000; }},
+        {"Alt+Right", {VK_MENU, VK_RIGHT}, 0, [&] { return viewer.Title() == L"k1.bmp - " + kCaption; }},
+        {"- after Alt+Right", {VK_SUBTRACT}, 0, [&] { return viewer.Zoom() < 1000; }},
+    };
+    for (const auto& step : steps) {
+        viewer.Press(step.chord, step.character);
+        EXPECT_TRUE(WaitFor(step.done, 3000)) << step.keys;
+    }
+}
+
+TEST_F(ViewerTest, HandOversToToolsNotBuiltKeepTheViewerAndItsPicture) {
+    WriteBitmap(dir_ / "h.bmp", 40, 30);
+    Viewer viewer(dir_ / "h.bmp");
+    ASSERT_TRUE(viewer.WaitTitle(L"h.bmp"));
+    for (const auto& [command, frameClass] : {std::pair{2109, L"LXPHOTOEDIT_FRAME"}, {2107, L"LXSLIDESHOW_FRAME"}}) {
+        EXPECT_FALSE(viewer.ToolEnabled(command)) << command;
+        viewer.Command(command);
+        HWND other = nullptr;
+        WaitFor([&] { return (other = FindWindowW(frameClass, nullptr)) != nullptr || viewer.ended(); }, 3000);
+        if (other) PostMessageW(other, WM_CLOSE, 0, 0);
+        EXPECT_EQ(other, nullptr) << command;
+        EXPECT_FALSE(viewer.ended()) << command;
+        EXPECT_EQ(viewer.StatusText(4), L"40 x 30");
+    }
+}
+
+TEST_F(ViewerTest, StatusBarHelpsWithMenusAndButtonsAndTellsOfAFolderInFull) {
+    WriteBitmap(dir_ / "f.bmp", 40, 30);
+    Viewer viewer(dir_.path());  // a folder: nothing to show
+    ASSERT_TRUE(viewer.frame());
+    const std::wstring none = L"閲覧可能な画像ファイルがありません。";
+    ASSERT_TRUE(WaitFor([&] { return viewer.StatusText(0) == none; }));
+    HWND status = FindChild(viewer.frame(), kStatusId);
+    RECT pane{};
+    SendMessageW(status, SB_GETRECT, 0, reinterpret_cast<LPARAM>(&pane));
+    HDC dc = GetDC(status);
+    HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(status, WM_GETFONT, 0, 0)));
+    SIZE text{};
+    GetTextExtentPoint32W(dc, none.c_str(), static_cast<int>(none.size()), &text);
+    SelectObject(dc, old);
+    ReleaseDC(status, dc);
+    EXPECT_GT(pane.right - pane.left, text.cx) << "the message is cut";
+    for (UINT id : {2005u, 2009u, 2031u, 2014u, 2015u, 2081u, 2082u, 2107u, 2109u}) EXPECT_FALSE(viewer.ToolEnabled(id)) << id;
+    EXPECT_TRUE(viewer.ToolEnabled(2006));
+
+    // A highlighted menu item, then a button under the pointer, show their help line.
+    HMENU menu = CreatePopupMenu();
+    SendMessageW(viewer.frame(), WM_MENUSELECT, MAKEWPARAM(2123, MF_HILITE), reinterpret_cast<LPARAM>(menu));
+    DestroyMenu(menu);
+    EXPECT_EQ(viewer.StatusText(0), L"拡大表示します");
+    SendMessageW(viewer.frame(), WM_MENUSELECT, MAKEWPARAM(0, 0xFFFF), 0);  // the menu closed
+    EXPECT_EQ(viewer.StatusText(0), none);
+    RECT button{};
+    SendMessageW(viewer.ToolBar(), TB_GETRECT, 2006, reinterpret_cast<LPARAM>(&button));
+    SendMessageW(viewer.ToolBar(), WM_MOUSEMOVE, 0, MAKELPARAM(button.left + 4, button.top + 4));
+    EXPECT_EQ(viewer.StatusText(0), L"画像ファイルを開きます");
 }
 
 }  // namespace

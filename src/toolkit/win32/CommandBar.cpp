@@ -6,12 +6,14 @@
 #include <vector>
 
 #include "CoreServices.h"
+#include "StatusBar.h"
 
 namespace lx {
 
 namespace {
 
 constexpr UINT_PTR kMenuBarSubclass = 1;
+constexpr UINT_PTR kFrameSubclass = 2;
 
 // Tool-bar styles shared by both bands: the rebar places and sizes them, not the controls.
 constexpr DWORD kBandChildStyle = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | TBSTYLE_FLAT | TBSTYLE_TRANSPARENT |
@@ -62,6 +64,28 @@ std::wstring TooltipLine(const std::wstring& entry) {
     return newline == std::wstring::npos ? entry : entry.substr(newline + 1);
 }
 
+std::wstring StatusLine(const std::wstring& entry) { return entry.substr(0, entry.find(L'\n')); }
+
+LRESULT CALLBACK FrameProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR data) {
+    auto* bar = reinterpret_cast<CommandBar*>(data);
+    switch (message) {
+    case WM_MEASUREITEM:
+        if (bar->images_.Measure(*reinterpret_cast<MEASUREITEMSTRUCT*>(lParam))) return TRUE;
+        break;
+    case WM_DRAWITEM:
+        if (bar->images_.Draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam))) return TRUE;
+        break;
+    case WM_MENUSELECT:
+        bar->OnMenuSelect(wParam, lParam);
+        break;
+    case WM_NCDESTROY:
+        RemoveWindowSubclass(hwnd, FrameProc, kFrameSubclass);
+        bar->frameHooked_ = false;
+        break;
+    }
+    return DefSubclassProc(hwnd, message, wParam, lParam);
+}
+
 LRESULT CALLBACK MenuBarProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR data) {
     auto* bar = reinterpret_cast<CommandBar*>(data);
     switch (message) {
@@ -88,6 +112,7 @@ LRESULT CALLBACK MenuBarProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPar
 }
 
 CommandBar::~CommandBar() {
+    if (frameHooked_) RemoveWindowSubclass(frame_, FrameProc, kFrameSubclass);
     if (rebar_) DestroyWindow(rebar_);
     if (menu_) DestroyMenu(menu_);
 }
@@ -98,6 +123,7 @@ bool CommandBar::Create(HWND frame, int rebarId, HMENU menu, HINSTANCE instance,
     menu_ = menu;
     instance_ = instance;
     if (GetMenu(frame) != nullptr) SetMenu(frame, nullptr);
+    frameHooked_ = SetWindowSubclass(frame, FrameProc, kFrameSubclass, reinterpret_cast<DWORD_PTR>(this));
 
     creating_ = true;
     INITCOMMONCONTROLSEX classes{sizeof(classes), ICC_BAR_CLASSES | ICC_COOL_CLASSES};
@@ -246,6 +272,12 @@ bool CommandBar::HandleNotify(NMHDR* header, LRESULT& result) {
         result = 0;
         return true;
     }
+    if (toolBar_ && header->hwndFrom == toolBar_ && header->code == TBN_HOTITEMCHANGE) {
+        const auto* hot = reinterpret_cast<const NMTBHOTITEM*>(header);
+        ShowHelp((hot->dwFlags & HICF_LEAVING) ? 0 : static_cast<UINT>(hot->idNew));
+        result = 0;
+        return true;
+    }
     if (!toolBar_ || header->code != TTN_GETDISPINFOW) return false;
     if (header->hwndFrom != reinterpret_cast<HWND>(SendMessageW(toolBar_, TB_GETTOOLTIPS, 0, 0))) return false;
     auto* info = reinterpret_cast<NMTTDISPINFOW*>(header);
@@ -254,6 +286,25 @@ bool CommandBar::HandleNotify(NMHDR* header, LRESULT& result) {
     info->hinst = nullptr;
     result = 0;
     return true;
+}
+
+void CommandBar::ShowHelp(UINT command) {
+    if (!status_) return;
+    if (command == 0)
+        status_->EndHelp();
+    else
+        status_->ShowHelp(StatusLine(LoadEntry(instance_, command)));
+}
+
+void CommandBar::OnMenuSelect(WPARAM wParam, LPARAM lParam) {
+    const UINT flags = HIWORD(wParam);
+    if (!status_) return;
+    if (flags == 0xFFFF && lParam == 0)
+        status_->EndHelp();  // the menu closed
+    else if (flags & (MF_POPUP | MF_SEPARATOR))
+        status_->ShowHelp(L"");  // a submenu or a separator has no help line of its own
+    else
+        ShowHelp(LOWORD(wParam));
 }
 
 void CommandBar::EnableCommand(UINT id, bool enabled) {

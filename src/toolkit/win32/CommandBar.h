@@ -12,6 +12,11 @@
 // command's string-table entry. Items of the menu whose commands are in the menu-images
 // tool-bar resource show that resource's button images.
 //
+// The bar also serves the frame's menus while they are open (it subclasses the frame): it
+// measures and draws the item images itself, so they are blended over the menu's own colours,
+// and, given a status bar, shows the first line of the highlighted command's string there,
+// for menu items and tool-bar buttons alike.
+//
 // Ownership: the bar owns the menu handed to Create (the frame's window menu is removed) and
 // destroys it, with the item images, when the bar object goes. The windows are children of
 // the frame and die with it; an object that goes first destroys them itself. The frame sends
@@ -25,6 +30,8 @@
 #include "MenuImages.h"
 
 namespace lx {
+
+class StatusBar;
 
 class CommandBar {
 public:
@@ -49,6 +56,8 @@ public:
     HWND MenuBar() const { return menuBar_; }
     HWND ToolBar() const { return toolBar_; }
     HMENU Menu() const { return menu_; }
+    // The image the menu shows beside `command`, or null.
+    HBITMAP ImageOf(UINT command) const { return images_.ImageOf(command); }
 
     // The rebar's height, for the frame's layout.
     int Height() const;
@@ -65,6 +74,10 @@ public:
     // present size) when the rebar's height changed. True when consumed, with `result` set.
     bool HandleNotify(NMHDR* header, LRESULT& result);
 
+    // The status bar that shows the help line of the highlighted command; null for none. It
+    // must outlive its use.
+    void SetStatusBar(StatusBar* status) { status_ = status; }
+
     // Enables or checks a command on the tool bar and in the menu.
     void EnableCommand(UINT id, bool enabled);
     void CheckCommand(UINT id, bool checked);
@@ -75,6 +88,7 @@ public:
 private:
     friend LRESULT CALLBACK MenuBarProc(HWND, UINT, WPARAM, LPARAM, UINT_PTR, DWORD_PTR);
     friend LRESULT CALLBACK MenuMessageFilter(int, WPARAM, LPARAM);
+    friend LRESULT CALLBACK FrameProc(HWND, UINT, WPARAM, LPARAM, UINT_PTR, DWORD_PTR);
 
     bool CreateMenuBar();
     bool CreateToolBar(UINT toolBarId);
@@ -84,6 +98,9 @@ private:
     int ButtonAt(POINT screen) const;
     int ButtonOfMnemonic(wchar_t key) const;
     bool BelongsToFrame(HWND hwnd) const;
+    // The help line of `command` in the status bar; 0 ends the help.
+    void ShowHelp(UINT command);
+    void OnMenuSelect(WPARAM wParam, LPARAM lParam);
 
     // Menu tracking (CommandBarMenu.cpp).
     void TrackMenus(int index, bool byKeyboard);
@@ -103,6 +120,8 @@ private:
     HWND toolBar_ = nullptr;
     HMENU menu_ = nullptr;
     HINSTANCE instance_ = nullptr;
+    bool frameHooked_ = false;
+    StatusBar* status_ = nullptr;
     MenuImages images_;
     std::wstring tooltip_;  // the text the last tooltip request points at
 
@@ -122,5 +141,7 @@ wchar_t MenuMnemonic(const std::wstring& text);
 // The tooltip of a command string "status text\ntooltip": the second line, or the whole
 // string when it has one line.
 std::wstring TooltipLine(const std::wstring& entry);
+// Its status text: the first line.
+std::wstring StatusLine(const std::wstring& entry);
 
 }  // namespace lx

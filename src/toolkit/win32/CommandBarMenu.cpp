@@ -243,13 +243,14 @@ bool CommandBar::PreTranslate(MSG& msg) {
         return false;
     case WM_SYSKEYUP:
         if (msg.wParam != VK_MENU) return false;
-        // A lone Alt toggles keyboard mode; the default handling would open the window menu.
-        if (std::exchange(altAlone_, false)) {
+        // A lone Alt toggles keyboard mode. The key-up never goes on to the default handling:
+        // that one did not see a key an accelerator took (Alt+Left), so it would take this
+        // Alt for a lone one and enter the window menu's invisible mode.
+        if (std::exchange(altAlone_, false))
             ToggleKeyboardMode();
-            return true;
-        }
-        ShowPrefixes(keyboardHot_ >= 0);
-        return false;
+        else
+            ShowPrefixes(keyboardHot_ >= 0);
+        return true;
     case WM_SYSCHAR: {
         const int index = ButtonOfMnemonic(static_cast<wchar_t>(msg.wParam));
         if (index < 0) return false;

@@ -9,6 +9,8 @@ namespace lx {
 namespace {
 
 const wchar_t* const kToolBarResourceType = MAKEINTRESOURCEW(241);
+// Room kept at each side of an image, so that it does not touch the menu's edge or the text.
+constexpr int kMargin = 3;
 
 // The strip as top-down 0x00RRGGBB words, whatever depth the resource was stored in.
 std::vector<uint32_t> ReadStripPixels(HBITMAP strip, int& width, int& height) {
@@ -65,6 +67,7 @@ bool MenuImages::Load(HINSTANCE instance, UINT id, COLORREF transparent) {
         return false;
 
     // COLORREF is 0x00BBGGRR; the pixels read back are 0x00RRGGBB.
+    size_ = {imageWidth, imageHeight};
     const uint32_t key = (GetRValue(transparent) << 16) | (GetGValue(transparent) << 8) | GetBValue(transparent);
     int image = 0;
     for (uint16_t command : layout->commands) {
@@ -92,13 +95,34 @@ void MenuImages::ApplyTo(HMENU menu) const {
             ApplyTo(item.hSubMenu);
             continue;
         }
-        if (HBITMAP image = ImageOf(item.wID)) {
+        if (ImageOf(item.wID)) {
             MENUITEMINFOW picture{sizeof(picture)};
             picture.fMask = MIIM_BITMAP;
-            picture.hbmpItem = image;
+            picture.hbmpItem = HBMMENU_CALLBACK;
             SetMenuItemInfoW(menu, i, TRUE, &picture);
         }
     }
+}
+
+bool MenuImages::Measure(MEASUREITEMSTRUCT& item) const {
+    if (item.CtlType != ODT_MENU || !ImageOf(item.itemID)) return false;
+    item.itemWidth = size_.cx + 2 * kMargin;
+    item.itemHeight = size_.cy;
+    return true;
+}
+
+bool MenuImages::Draw(const DRAWITEMSTRUCT& item) const {
+    HBITMAP image = item.CtlType == ODT_MENU ? ImageOf(item.itemID) : nullptr;
+    if (!image) return false;
+    MemoryDc source(item.hDC);
+    SelectScope use(source.get(), image);
+    // A grayed command's image is faded like its text.
+    const BYTE opacity = (item.itemState & ODS_GRAYED) ? 96 : 255;
+    const BLENDFUNCTION blend{AC_SRC_OVER, 0, opacity, AC_SRC_ALPHA};
+    const RECT& r = item.rcItem;
+    GdiAlphaBlend(item.hDC, r.left + kMargin, r.top + (r.bottom - r.top - size_.cy) / 2, size_.cx, size_.cy,
+                  source.get(), 0, 0, size_.cx, size_.cy, blend);
+    return true;
 }
 
 }  // namespace lx

@@ -47,8 +47,20 @@ void Splitter::SetMinimums(int first, int second) {
 }
 
 void Splitter::SetPosition(int position) {
-    position_ = position;
+    kept_ = keepSecond_ ? Extent() - position - barWidth_ : position;
     Layout();
+}
+
+int Splitter::Position() const { return keepSecond_ ? Extent() - kept_ - barWidth_ : kept_; }
+
+void Splitter::SetSecondSize(int size) {
+    keepSecond_ = true;
+    kept_ = size;
+    Layout();
+}
+
+int Splitter::BarAt() const {
+    return ClampSplitPosition(Position(), Extent(), barWidth_, minimums_[0], minimums_[1]);
 }
 
 void Splitter::ShowOnly(int index) {
@@ -64,15 +76,15 @@ int Splitter::Extent() const {
 
 int Splitter::Along(LPARAM lParam) const { return Vertical() ? GET_X_LPARAM(lParam) : GET_Y_LPARAM(lParam); }
 
-bool Splitter::OnBar(int at) const { return only_ < 0 && at >= position_ && at < position_ + barWidth_; }
+bool Splitter::OnBar(int at) const { return only_ < 0 && at >= BarAt() && at < BarAt() + barWidth_; }
 
 void Splitter::Layout() {
     if (!hwnd()) return;
     RECT rc{};
     GetClientRect(hwnd(), &rc);
-    // The stored position is what was asked for; it is clamped only for placing, so a window
+    // The stored size is what was asked for; it is clamped only for placing, so a window
     // that shrinks and grows again gets its old split back.
-    const int at = ClampSplitPosition(position_, Extent(), barWidth_, minimums_[0], minimums_[1]);
+    const int at = BarAt();
     RECT parts[2] = {rc, rc};
     if (Vertical()) {
         parts[0].right = at;
@@ -101,7 +113,7 @@ LRESULT Splitter::OnPaint(WPARAM, LPARAM) {
     if (only_ >= 0) return 0;
     RECT rc{};
     GetClientRect(hwnd(), &rc);
-    const int at = ClampSplitPosition(position_, Extent(), barWidth_, minimums_[0], minimums_[1]);
+    const int at = BarAt();
     RECT barRect = Vertical() ? RECT{at, 0, at + barWidth_, rc.bottom} : RECT{0, at, rc.right, at + barWidth_};
     Brush brush(CreateSolidBrush(barColour_));
     FillRect(dc.get(), &barRect, brush.get());
@@ -112,15 +124,14 @@ LRESULT Splitter::OnLButtonDown(WPARAM, LPARAM lParam) {
     const int at = Along(lParam);
     if (!OnBar(at)) return 0;
     dragging_ = true;
-    grabOffset_ = at - position_;
+    grabOffset_ = at - BarAt();
     SetCapture(hwnd());
     return 0;
 }
 
 LRESULT Splitter::OnMouseMove(WPARAM, LPARAM lParam) {
     if (!dragging_) return 0;
-    position_ = ClampSplitPosition(Along(lParam) - grabOffset_, Extent(), barWidth_, minimums_[0], minimums_[1]);
-    Layout();
+    SetPosition(ClampSplitPosition(Along(lParam) - grabOffset_, Extent(), barWidth_, minimums_[0], minimums_[1]));
     return 0;
 }
 

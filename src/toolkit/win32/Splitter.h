@@ -25,7 +25,13 @@ public:
     void SetMinimums(int first, int second);
     // The bar's position: the first pane's width (vertical bar) or height (horizontal).
     void SetPosition(int position);
-    int Position() const { return position_; }
+    int Position() const;
+    // From this call on the second pane keeps `size` pixels as the splitter grows or shrinks
+    // (a list beside a picture), and the first pane takes every change; dragging the bar sets
+    // a new size. Without it the first pane keeps its size.
+    void SetSecondSize(int size);
+    // The size the second pane keeps; the position asked for, not clamped to the window.
+    int SecondSize() const { return keepSecond_ ? kept_ : Extent() - kept_ - barWidth_; }
     // -1: both panes; 0 or 1: only that pane.
     void ShowOnly(int index);
     int ShownOnly() const { return only_; }
@@ -34,6 +40,8 @@ private:
     bool Vertical() const { return bar_ == Bar::Vertical; }
     int Extent() const;
     int Along(LPARAM lParam) const;
+    // Where the bar is drawn: the position clamped to the panes' minimums.
+    int BarAt() const;
     bool OnBar(int at) const;
     void Layout();
 
@@ -51,7 +59,8 @@ private:
     int barWidth_ = 4;
     HWND panes_[2] = {};
     int minimums_[2] = {};
-    int position_ = 100;
+    int kept_ = 100;           // the size of the pane that keeps its size
+    bool keepSecond_ = false;  // which pane that is
     int only_ = -1;
     bool dragging_ = false;
     int grabOffset_ = 0;

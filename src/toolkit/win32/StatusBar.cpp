@@ -61,6 +61,16 @@ std::wstring StatusBar::Text(int paneId) const {
     return text;
 }
 
+void StatusBar::ShowHelp(const std::wstring& text) {
+    if (!hwnd_) return;
+    SendMessageW(hwnd_, SB_SIMPLE, TRUE, 0);
+    SendMessageW(hwnd_, SB_SETTEXTW, SB_SIMPLEID, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+void StatusBar::EndHelp() {
+    if (hwnd_) SendMessageW(hwnd_, SB_SIMPLE, FALSE, 0);
+}
+
 bool StatusBar::SetIcon(int paneId, HICON icon) {
     const int index = IndexOf(paneId);
     return index >= 0 && SendMessageW(hwnd_, SB_SETICON, index, reinterpret_cast<LPARAM>(icon));

@@ -27,6 +27,10 @@ public:
 
     bool SetText(int paneId, const std::wstring& text);
     std::wstring Text(int paneId) const;
+    // Help for what the pointer or the keyboard is on (a menu item, a tool-bar button): the
+    // whole bar shows `text` until EndHelp brings the panes back as they were.
+    void ShowHelp(const std::wstring& text);
+    void EndHelp();
     // The icon stays the caller's and must outlive its use.
     bool SetIcon(int paneId, HICON icon);
 

@@ -9,7 +9,8 @@ namespace lx {
 
 ImageInfoRecord DefaultImageInfo(int verticalScrollWidth, int fullScreenHeight) {
     ImageInfoRecord record;
-    record.infoWidth = verticalScrollWidth + 104;
+    // Room for the names and a date and time value ("2008/10/12 12:34:56") side by side.
+    record.infoWidth = verticalScrollWidth + 224;
     // Small screens: let a fitted picture follow the window as it is resized.
     record.viewOptions = fullScreenHeight < 800 ? 1 : 0;
     return record;

@@ -111,6 +111,11 @@ TEST(ToolkitSplitter, PlacesPanesDragsWithinMinimumsAndShowsOnePane) {
     splitter.ShowOnly(-1);
     EXPECT_TRUE(IsWindowVisible(a));
     EXPECT_EQ(WindowIn(b).left, 340);
+    // Keeping the second pane's size: the first takes the change as the splitter grows.
+    splitter.SetSecondSize(100);
+    SetWindowPos(splitter.hwnd(), nullptr, 0, 0, 500, 300, SWP_NOZORDER);
+    EXPECT_EQ(WindowIn(b).left, 400);
+    EXPECT_EQ(splitter.Position(), 396);
     DestroyWindow(top);
     EXPECT_EQ(splitter.hwnd(), nullptr);
 }

@@ -10,7 +10,7 @@ TEST(ViewerRules, DefaultLayoutFollowsTheScreen) {
     EXPECT_EQ(small.infoShown, 1);
     EXPECT_EQ(small.listShown, 1);
     EXPECT_EQ(small.listBelow, 0);
-    EXPECT_EQ(small.infoWidth, 17 + 104);
+    EXPECT_EQ(small.infoWidth, 17 + 224);
     EXPECT_EQ(small.listSize, -1);
     EXPECT_EQ(small.viewOptions, 1);
     EXPECT_EQ(DefaultImageInfo(17, 800).viewOptions, 0);

@@ -41,15 +41,20 @@ std::wstring ByteCountText(ULONGLONG bytes) {
     return text;
 }
 
-// The names keep the width their longest one needs, up to half the pane; the values take the
-// rest, so both stay readable as the pane is resized.
+const wchar_t kNamesHeading[] = L"項目";
+
+// Both columns are as wide as their longest text, so no name or value is cut; the values
+// also take any room the pane has left, and a pane narrower than both scrolls sideways.
 void FitColumns(HWND list) {
     RECT client{};
     GetClientRect(list, &client);
+    // An empty report still shows its heading whole.
+    const int heading = ListView_GetStringWidth(list, kNamesHeading) + 16;
     ListView_SetColumnWidth(list, 0, LVSCW_AUTOSIZE_USEHEADER);
-    const int names = std::min(ListView_GetColumnWidth(list, 0), static_cast<int>(client.right / 2));
-    ListView_SetColumnWidth(list, 0, names);
-    ListView_SetColumnWidth(list, 1, std::max<int>(client.right - names, 0));
+    if (ListView_GetColumnWidth(list, 0) < heading) ListView_SetColumnWidth(list, 0, heading);
+    ListView_SetColumnWidth(list, 1, LVSCW_AUTOSIZE);
+    const int rest = client.right - ListView_GetColumnWidth(list, 0);
+    if (ListView_GetColumnWidth(list, 1) < rest) ListView_SetColumnWidth(list, 1, rest);
 }
 
 LRESULT CALLBACK FitColumnsOnSize(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
@@ -78,7 +83,7 @@ bool CInformationView::Create(HWND parent, int id) {
     if (!hwnd_) return false;
     ListView_SetExtendedListViewStyle(hwnd_, LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP | LVS_EX_DOUBLEBUFFER);
     SetWindowSubclass(hwnd_, &FitColumnsOnSize, 0, 0);
-    const wchar_t* headings[] = {L"項目", L"値"};
+    const wchar_t* headings[] = {kNamesHeading, L"値"};
     const int widths[] = {80, 160};
     for (int i = 0; i < 2; ++i) {
         LVCOLUMNW column{LVCF_TEXT | LVCF_WIDTH};

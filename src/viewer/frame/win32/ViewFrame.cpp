@@ -96,6 +96,7 @@ HWND CViewFrame::Create(int showCmd) {
 
 void CViewFrame::OpenStartup(const std::wstring& path) {
     if (!Open(path, true)) statusBar_.SetText(0, LoadResString(4088));
+    UpdateCommandStates();
 }
 
 LRESULT CViewFrame::OnCreate(WPARAM, LPARAM) {
@@ -112,6 +113,7 @@ LRESULT CViewFrame::OnCreate(WPARAM, LPARAM) {
     commandBar_.Create(hwnd(), kRebarId, LoadMenuW(ModuleInstance(), MAKEINTRESOURCEW(kFrameResource)),
                        ModuleInstance(), kMenuImages, kMenuImages);
     statusBar_.Create(hwnd(), kStatusBarId);
+    commandBar_.SetStatusBar(&statusBar_);
     std::vector<StatusPane> panes{{0, L""}};
     for (UINT id : kStatusPanes) panes.push_back({static_cast<int>(id), LoadResString(id)});
     statusBar_.SetPanes(panes);
@@ -167,6 +169,10 @@ int CViewFrame::ListPaneSize() const {
 void CViewFrame::PlaceList() {
     Splitter& area = ImageArea();
     Splitter& other = record_.listBelow ? rightSplitter_ : belowSplitter_;
+    // The list keeps its size as the window or the information pane changes; the picture
+    // takes the rest. Set before the panes move in, so they are placed once, at that size.
+    record_.listSize = ListPaneSize();
+    area.SetSecondSize(record_.listSize);
     SetParent(zoomView_, area.hwnd());
     SetParent(thumbnailList_.hwnd(), area.hwnd());
     other.SetPanes(nullptr, nullptr);
@@ -175,7 +181,6 @@ void CViewFrame::PlaceList() {
     area.SetMinimums(32, 0);
     area.ShowOnly(record_.listShown ? -1 : 0);
     outerSplitter_.SetPanes(informationView_.hwnd(), area.hwnd());
-    record_.listSize = ListPaneSize();
     LayoutChildren();
 }
 
@@ -189,16 +194,7 @@ void CViewFrame::LayoutChildren() {
     GetWindowRect(statusBar_.hwnd(), &status);
     const int top = commandBar_.Height();
     const int bottom = std::max<int>(client.bottom - (status.bottom - status.top), top);
-    // The list keeps its size as the window changes; the picture takes the rest.
-    Splitter& area = ImageArea();
-    RECT areaRect{};
-    GetClientRect(area.hwnd(), &areaRect);
-    const int extent = record_.listBelow ? areaRect.bottom : areaRect.right;
-    if (extent > 0 && area.ShownOnly() < 0) record_.listSize = std::max(extent - area.Position() - kBarWidth, 0);
     MoveWindow(outerSplitter_.hwnd(), 0, top, client.right, bottom - top, TRUE);
-    GetClientRect(area.hwnd(), &areaRect);
-    const int newExtent = record_.listBelow ? areaRect.bottom : areaRect.right;
-    area.SetPosition(newExtent - record_.listSize - kBarWidth);
 }
 
 LRESULT CViewFrame::OnSize(WPARAM, LPARAM) {
@@ -250,6 +246,7 @@ LRESULT CViewFrame::OnLoadCompleted(WPARAM wParam, LPARAM lParam) {
         ShowImage(image);
         PostMessageW(hwnd(), WM_COMMAND, kRefreshInformation, 0);
     }
+    UpdateCommandStates();
     if (busyAnimation_) busyAnimation_->Pause();
     UpdateWindow(hwnd());
     loader_.Stop();
@@ -286,6 +283,10 @@ void CViewFrame::ShowImage(HGLOBAL image) {
                      0);
     }
     UpdateZoomPane();
+    // The pointer's place and the selection belonged to the picture that went (clearing the
+    // selection above reported them once more); the next move of the pointer fills them in.
+    statusBar_.SetText(1004, L"");
+    statusBar_.SetText(1006, L"");
 }
 
 void CViewFrame::ClearImage() {
@@ -304,11 +305,15 @@ void CViewFrame::OnViewNotify(const NMHDR* header) {
     const RECT& s = notify->selection;
     const bool selected = s.right > s.left && s.bottom > s.top;
     switch (header->code) {
-    case kZvnCursor:
-        if (!imageSize_.cx) break;  // the mouse over an empty view has no pixel to report
-        statusBar_.SetText(1004, selected ? CursorSelectionText(s.left, s.top, s.right - s.left, s.bottom - s.top)
-                                          : CursorText(notify->cursor.x, notify->cursor.y));
+    case kZvnCursor: {
+        // Only a pointer over the picture has a pixel to report.
+        const POINT& at = notify->cursor;
+        const bool onPicture = at.x >= 0 && at.y >= 0 && at.x < imageSize_.cx && at.y < imageSize_.cy;
+        statusBar_.SetText(1004, selected    ? CursorSelectionText(s.left, s.top, s.right - s.left, s.bottom - s.top)
+                                 : onPicture ? CursorText(at.x, at.y)
+                                             : L"");
         break;
+    }
     case kZvnSelectionSize:
         statusBar_.SetText(1006, selected ? SelectionSizeText(s.right - s.left, s.bottom - s.top) : L"");
         break;
@@ -321,6 +326,10 @@ void CViewFrame::OnViewNotify(const NMHDR* header) {
 
 void CViewFrame::OnListNotify(NMHDR* header, LRESULT& result) {
     if (thumbnailList_.HandleNotify(header, result)) return;
+    if (header->code == LVN_INSERTITEM || header->code == LVN_DELETEITEM || header->code == LVN_DELETEALLITEMS) {
+        UpdateCommandStates();  // stepping needs a second file
+        return;
+    }
     const int selected = thumbnailList_.SelectedIndex();
     if (selected < 0) return;
     if (header->code == NM_DBLCLK) {
@@ -367,7 +376,7 @@ void CViewFrame::SaveSettings() {
     record_.listShown = ImageArea().ShownOnly() < 0;
     record_.infoWidth = outerSplitter_.Position();
     record_.viewOptions = static_cast<int32_t>(SendMessageW(zoomView_, kZvGetOptions, 0, 0));
-    LayoutChildren();  // takes the list size from the splitter as the user left it
+    record_.listSize = std::max(ImageArea().SecondSize(), 0);
     SettingsStore settings;
     settings.WriteBlock(kSection, kImageInfo, &record_, sizeof record_);
     WINDOWPLACEMENT placement{sizeof placement};

@@ -91,7 +91,10 @@ private:
     void ToggleList();
     void SwapListPlacement();
     void ToggleInformation();
-    void HandOver(const wchar_t* entry, bool closeAfter);
+    void HandOver(UINT command);
+    // Grays what cannot run now (no picture, one file, a tool not built) in the menu and on
+    // the tool bar.
+    void UpdateCommandStates();
     void OpenRecent(size_t index);
     void Print();
     void CopyToClipboard();

@@ -27,7 +27,33 @@ constexpr struct {
     {2124, kZoomOut},      {2125, kZoomFitWidth}, {2126, kZoomFitHeight},
 };
 
+// The tools the viewer hands its file to. Their frames are not part of this module yet:
+// starting one now would only open an empty window, and the slide show would close the viewer
+// for it. Until a tool's frame is built in, its hand-over cannot start: the command is grayed,
+// a key for it only beeps, and the viewer keeps its window and picture.
+constexpr struct {
+    UINT command;
+    const wchar_t* entry;
+    bool closesViewer;  // the slide show replaces the viewer; the editor opens beside it
+    bool frameBuilt;
+} kHandOvers[] = {
+    {2107, L"slideRun", true, false},
+    {2109, L"pxfRun", false, false},
+};
+
 }  // namespace
+
+void CViewFrame::UpdateCommandStates() {
+    const bool shown = imageSize_.cx > 0;
+    const bool several = thumbnailList_.Count() > 1;
+    const struct {
+        UINT id;
+        bool enabled;
+    } rules[] = {{2005, shown}, {2009, !currentPath_.empty()}, {2031, shown}, {2033, shown}, {2034, shown},
+                 {2035, shown}, {2081, shown}, {2082, shown}, {2014, several}, {2015, several}};
+    for (const auto& rule : rules) commandBar_.EnableCommand(rule.id, rule.enabled);
+    for (const auto& target : kHandOvers) commandBar_.EnableCommand(target.command, target.frameBuilt && shown);
+}
 
 bool CViewFrame::RunCommand(UINT id) {
     for (const auto& z : kZoomCommands)
@@ -71,11 +97,11 @@ bool CViewFrame::RunCommand(UINT id) {
     case 2082: Rotate(0); return true;
     case 2105: ToggleList(); return true;
     case 2106: SwapListPlacement(); return true;
-    case 2107: HandOver(L"slideRun", true); return true;
+    case 2107:
+    case 2109: HandOver(id); return true;
     case 2108:
         informationView_.Show(currentPath_, reinterpret_cast<HGLOBAL>(SendMessageW(zoomView_, kZvGetImage, 0, 0)));
         return true;
-    case 2109: HandOver(L"pxfRun", false); return true;
     case 2120: {
         const LRESULT options = SendMessageW(zoomView_, kZvGetOptions, 0, 0);
         SendMessageW(zoomView_, kZvSetOptions, options == 1 ? 3 : 1, 0);
@@ -158,7 +184,6 @@ void CViewFrame::ToggleList() {
     Splitter& area = ImageArea();
     record_.listShown = area.ShownOnly() >= 0;
     area.ShowOnly(record_.listShown ? -1 : 0);
-    LayoutChildren();
 }
 
 void CViewFrame::SwapListPlacement() {
@@ -172,11 +197,18 @@ void CViewFrame::ToggleInformation() {
     record_.infoShown = outerSplitter_.ShownOnly() < 0;
 }
 
-void CViewFrame::HandOver(const wchar_t* entry, bool closeAfter) {
+void CViewFrame::HandOver(UINT command) {
     if (currentPath_.empty() || !PathFileExistsW(currentPath_.c_str())) return;
-    // The viewer closes only when the other tool really started: the user keeps a window.
-    if (RunThisModule(hwnd(), entry, currentPath_.c_str(), L"/image") && closeAfter)
-        PostMessageW(hwnd(), WM_CLOSE, 0, 0);
+    for (const auto& target : kHandOvers) {
+        if (target.command != command) continue;
+        if (!target.frameBuilt) {
+            MessageBeep(MB_ICONWARNING);
+            return;
+        }
+        // The viewer closes only when the other tool really started: the user keeps a window.
+        if (RunThisModule(hwnd(), target.entry, currentPath_.c_str(), L"/image") && target.closesViewer)
+            PostMessageW(hwnd(), WM_CLOSE, 0, 0);
+    }
 }
 
 void CViewFrame::OpenRecent(size_t index) {

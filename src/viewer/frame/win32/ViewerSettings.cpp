@@ -49,19 +49,10 @@ void CViewFrame::RebuildRecentMenu() {
     }
 }
 
-LRESULT CViewFrame::OnInitMenuPopup(WPARAM wParam, LPARAM) {
-    auto* menu = reinterpret_cast<HMENU>(wParam);
-    const bool shown = imageSize_.cx > 0;
-    const bool several = thumbnailList_.Count() > 1;
-    const struct {
-        UINT id;
-        bool enabled;
-    } rules[] = {{2005, shown}, {2009, !currentPath_.empty()}, {2031, shown}, {2033, shown}, {2034, shown},
-                 {2035, shown}, {2081, shown}, {2082, shown}, {2014, several}, {2015, several},
-                 {2107, !currentPath_.empty()}, {2109, !currentPath_.empty()}};
-    for (const auto& rule : rules) EnableMenuItem(menu, rule.id, MF_BYCOMMAND | (rule.enabled ? MF_ENABLED : MF_GRAYED));
-    CheckMenuItem(menu, 2105, MF_BYCOMMAND | (ImageArea().ShownOnly() < 0 ? MF_CHECKED : MF_UNCHECKED));
-    CheckMenuItem(menu, 5511, MF_BYCOMMAND | (outerSplitter_.ShownOnly() < 0 ? MF_CHECKED : MF_UNCHECKED));
+LRESULT CViewFrame::OnInitMenuPopup(WPARAM, LPARAM) {
+    UpdateCommandStates();
+    CheckMenuItem(commandBar_.Menu(), 2105, MF_BYCOMMAND | (ImageArea().ShownOnly() < 0 ? MF_CHECKED : MF_UNCHECKED));
+    CheckMenuItem(commandBar_.Menu(), 5511, MF_BYCOMMAND | (outerSplitter_.ShownOnly() < 0 ? MF_CHECKED : MF_UNCHECKED));
     return 0;
 }
 

@@ -366,7 +366,10 @@ void CThumbnaiListView::RemoveAt(int index) {
 
 SIZE CThumbnaiListView::ItemSize() const {
     if (!hwnd_) return {0, 0};
-    const DWORD size = ListView_ApproximateViewRect(hwnd_, -1, -1, 1);
+    // The icon spacing is the cell (see the cell layout). The control's view-rectangle
+    // estimate depends on its present size and items, which the frame asks about just when
+    // the list moves to a new place.
+    const DWORD size = ListView_GetItemSpacing(hwnd_, FALSE);
     return {LOWORD(size), HIWORD(size)};
 }
 
