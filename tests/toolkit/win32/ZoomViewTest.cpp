@@ -166,8 +166,7 @@ TEST_F(ZoomViewTest, SetImageHandsBackThePreviousHandleAndCopiesWhenOnlyLent) {
 // the view is centred, a larger one scrolled.
 TEST_F(ZoomViewTest, FromFullSizeUpEveryPixelIsRepeatedCentredAlsoOnTheScreen) {
     const PackedDib dib = Picture(60, 50, Distinct);
-    Show(dib);
-    for (int scale : {1, 2, 3, 8}) {
+    auto expectPixels = [&](int scale) {
         EXPECT_EQ(Send(kZvSetZoom, 1000 * scale), 1000 * scale);
         const Shot shot = Capture(view_);
         ZoomViewSettings at{};
@@ -181,7 +180,9 @@ TEST_F(ZoomViewTest, FromFullSizeUpEveryPixelIsRepeatedCentredAlsoOnTheScreen) {
                 wrong += shot.at(x, y) != (dib.pixel((x - ox) / scale, (y - oy) / scale) & 0xffffff);
         EXPECT_EQ(wrong, 0) << scale;
         if (ox > 0) EXPECT_EQ(shot.at(ox - 1, oy), 0x464646u) << scale;
-    }
+    };
+    Show(dib);
+    for (int scale : {1, 2, 3, 8}) expectPixels(scale);
 
     // The window on the screen shows the same.
     Send(kZvSetZoom, 1000);
@@ -315,16 +316,13 @@ TEST_F(ZoomViewTest, DraggingSelectsInImagePixelsAndTheHandScrolls) {
     EXPECT_EQ(after.scrollY, 400 - client.bottom);
 }
 
-TEST_F(ZoomViewTest, SettingsRecordsRoundTripWithTheZoomAtByte48) {
+TEST_F(ZoomViewTest, SettingsRecordsRoundTripAndAShortOneIsNotOverrun) {
     Show(Picture(1000, 1000, Distinct));
     Send(kZvSetZoom, 2000);
     ZoomViewSettings record{};
     record.mask = 0xffffffff;
     ASSERT_EQ(Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&record)), 1);
-    int32_t atByte48 = 0;
-    std::memcpy(&atByte48, reinterpret_cast<const uint8_t*>(&record) + 48, 4);
-    EXPECT_EQ(atByte48, 2000);
-    EXPECT_EQ(record.size, 60u);
+    EXPECT_EQ(record.zoom, 2000);  // byte 48: the header asserts the layout
 
     // As a stored record: another zoom, a grid and a scroll position come back as set.
     record.zoom = 3000;
