@@ -41,6 +41,10 @@ void SaveBmp(const PackedDib& dib, const std::filesystem::path& path) { ASSERT_N
 
 uint32_t Rgb(const PackedDib& dib, int x, int y) { return dib.pixel(x, y) & 0xffffff; }
 
+struct At {
+    int x, y;
+};
+
 }  // namespace
 
 TEST(FitInBox, KeepsTheAspectNeverZeroNeverEnlarged) {
@@ -112,8 +116,9 @@ TEST(ThumbnailMaker, PalettePicturesBecome24BitAndAlphaLiesOverWhite) {
 
 #ifndef _WIN32
 TEST(ThumbnailMaker, ReductionAveragesAreasLikePillowsBoxReduction) {
-    LX_REQUIRE_TOOLS("python3");
-    ASSERT_EQ(lxtest::Run("python3 -c 'import PIL' >/dev/null 2>&1"), 0) << "Pillow is missing (scripts/setup.sh installs it)";
+    // Debian's Python, where scripts/setup.sh installs Pillow (a python3 earlier on the PATH may lack it).
+    LX_REQUIRE_TOOLS("/usr/bin/python3");
+    ASSERT_EQ(lxtest::Run("/usr/bin/python3 -c 'import PIL' >/dev/null 2>&1"), 0) << "Pillow is missing";
     ScratchDir dir("thumbmaker-pillow");
     // Detail finer than the reduction factor of 4, so a point sample would differ.
     PackedDib dib = PackedDib::Create(288, 144, 24);
@@ -131,7 +136,7 @@ TEST(ThumbnailMaker, ReductionAveragesAreasLikePillowsBoxReduction) {
     ASSERT_EQ(ours->height(), 36);
     const std::string script = "from PIL import Image; Image.open('" + (dir / "detail.bmp").string() +
                                "').convert('RGB').reduce(4).save('" + (dir / "pillow.bmp").string() + "')";
-    ASSERT_EQ(lxtest::Run("python3 -c \"" + script + "\""), 0);
+    ASSERT_EQ(lxtest::Run("/usr/bin/python3 -c \"" + script + "\""), 0);
     const auto pillow = LoadImageFile(dir / "pillow.bmp");
     ASSERT_TRUE(pillow);
     int worst = 0;
@@ -192,7 +197,7 @@ TEST(EmbeddedThumbnail, ServesWhenLargeEnoughTurnedUprightByTheOrientation) {
         const char* what;
         int width, height, orientation, box;
         int wantWidth, wantHeight;
-        POINT red, blue;
+        At red, blue;
     };
     const Case cases[] = {
         {"upright", 96, 64, 1, 72, 72, 48, {3, 20}, {68, 20}},
@@ -264,7 +269,7 @@ TEST(ThumbnailMaker, AJpegsExifThumbnailServesTurnedUprightWhenLargeEnough) {
     struct Case {
         const char* what;
         int thumbWidth, thumbHeight, orientation, width, height;
-        POINT at;
+        At at;
         uint32_t colour;
     };
     // The main picture is red and blue, the embedded one blue and red: the colours tell
