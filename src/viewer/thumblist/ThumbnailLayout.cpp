@@ -1,7 +1,6 @@
 #include "ThumbnailLayout.h"
 
 #include <algorithm>
-#include <cstdint>
 
 namespace lx {
 
@@ -15,18 +14,6 @@ std::vector<int> ThumbnailOrder(int count, int start) {
     for (int i = start; i < count; ++i) order.push_back(i);
     for (int i = 0; i < start; ++i) order.push_back(i);
     return order;
-}
-
-ThumbSize FitInBox(int width, int height, int box) {
-    if (width <= 0 || height <= 0 || box <= 0) return {};
-    if (width <= box && height <= box) return {width, height};
-    // Rounded to the nearest pixel; 64 bits because a side may be anything a header says.
-    auto scaled = [box](int side, int longSide) {
-        const int64_t value = (static_cast<int64_t>(side) * box * 2 + longSide) / (2 * static_cast<int64_t>(longSide));
-        return static_cast<int>(std::max<int64_t>(value, 1));
-    };
-    if (width >= height) return {box, scaled(height, width)};
-    return {scaled(width, height), box};
 }
 
 ItemBoxes LayOutItem(const LayoutRect& item, ThumbSize thumb) {

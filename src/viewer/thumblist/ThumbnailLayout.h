@@ -7,10 +7,11 @@
 
 #include <vector>
 
+#include "ThumbnailMaker.h"
+
 namespace lx {
 
-// The long side of a thumbnail, and how many items before the shown one get theirs first.
-constexpr int kThumbnailBox = 72;
+// How many items before the shown one get their thumbnails first.
 constexpr int kThumbnailLead = 16;
 // The picture box's margin at the right and bottom (where the shadow lies), the selection
 // box's extra margin at the left and top, and the size of one square shadow piece.
@@ -25,22 +26,12 @@ struct LayoutRect {
     bool operator==(const LayoutRect&) const = default;
 };
 
-struct ThumbSize {
-    int width = 0, height = 0;
-    bool operator==(const ThumbSize&) const = default;
-};
-
 // The index thumbnails start from: `kThumbnailLead` before the shown item, never below 0.
 int ThumbnailStartIndex(int currentIndex);
 
 // Every index of a list of `count` items once: `start` to the end, then 0 to `start` - 1.
 // A start outside the list counts as 0.
 std::vector<int> ThumbnailOrder(int count, int start);
-
-// The size of an image of width x height fitted into a square of `box`: the aspect is kept,
-// the long side becomes `box`, neither side becomes 0. Images that fit already keep their
-// own size (a thumbnail is never enlarged). Non-positive sizes give {0, 0}.
-ThumbSize FitInBox(int width, int height, int box = kThumbnailBox);
 
 // Where one item is drawn inside its cell `item`, for a thumbnail of `thumb` size.
 struct ItemBoxes {

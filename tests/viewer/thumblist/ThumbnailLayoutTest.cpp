@@ -1,5 +1,4 @@
-// The list's arithmetic: thumbnail order, fitting into the box, and where an item's boxes
-// and shadow pieces go.
+// The list's arithmetic: thumbnail order, and where an item's boxes and shadow pieces go.
 #include <gtest/gtest.h>
 
 #include <numeric>
@@ -40,28 +39,6 @@ TEST(ThumbnailOrder, EmptyListsAndStartsOutsideTheList) {
     EXPECT_EQ(ThumbnailOrder(3, 7), (std::vector<int>{0, 1, 2}));
     EXPECT_EQ(ThumbnailOrder(3, -1), (std::vector<int>{0, 1, 2}));
     EXPECT_EQ(ThumbnailOrder(3, 2), (std::vector<int>{2, 0, 1}));
-}
-
-TEST(FitInBox, KeepsTheAspectWithTheLongSideAtTheBox) {
-    EXPECT_EQ(FitInBox(4000, 3000), (ThumbSize{72, 54}));
-    EXPECT_EQ(FitInBox(3000, 4000), (ThumbSize{54, 72}));
-    EXPECT_EQ(FitInBox(300, 200), (ThumbSize{72, 48}));
-    EXPECT_EQ(FitInBox(100, 100), (ThumbSize{72, 72}));
-    // Rounded to the nearest pixel: 72 * 100 / 150 = 48, 72 * 101 / 150 = 48.48, 72 * 103 / 150 = 49.44.
-    EXPECT_EQ(FitInBox(150, 101), (ThumbSize{72, 48}));
-    EXPECT_EQ(FitInBox(150, 103), (ThumbSize{72, 49}));
-    EXPECT_EQ(FitInBox(1000, 1000, 96), (ThumbSize{96, 96}));
-}
-
-TEST(FitInBox, NeverZeroNeverEnlargedNothingForEmptyImages) {
-    EXPECT_EQ(FitInBox(10000, 1), (ThumbSize{72, 1}));
-    EXPECT_EQ(FitInBox(1, 10000), (ThumbSize{1, 72}));
-    EXPECT_EQ(FitInBox(2147483647, 2147483647), (ThumbSize{72, 72}));
-    EXPECT_EQ(FitInBox(20, 10), (ThumbSize{20, 10}));
-    EXPECT_EQ(FitInBox(72, 5), (ThumbSize{72, 5}));
-    EXPECT_EQ(FitInBox(0, 10), (ThumbSize{}));
-    EXPECT_EQ(FitInBox(10, -1), (ThumbSize{}));
-    EXPECT_EQ(FitInBox(10, 10, 0), (ThumbSize{}));
 }
 
 TEST(LayOutItem, CentresThePictureBoxAndDerivesTheOthersFromIt) {

@@ -107,7 +107,8 @@ bool MoveToRecycleBin(HWND owner, const wchar_t* path) {
     return ShellDeleteFiles(owner, list.c_str(), kQuietRecycle);
 }
 
-bool DeleteOneFile(const wchar_t* path) { return path != nullptr && DeleteFileW(path) != FALSE; }
+// Files the tools give up stay recoverable: the one-file delete is the quiet recycle.
+bool DeleteOneFile(const wchar_t* path) { return MoveToRecycleBin(nullptr, path); }
 
 bool DriveCurrentFolder(wchar_t drive, wchar_t* folder) {
     if (folder == nullptr) return false;

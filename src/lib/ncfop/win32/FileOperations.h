@@ -1,5 +1,5 @@
 // File operations the tools share: choosing a folder, making sure an output folder exists,
-// deleting through the shell (to the recycle bin, undoable) or outright, and a drive's
+// deleting through the shell (to the recycle bin, undoable), and a drive's
 // current folder. Path buffers are 520 wide characters.
 #pragma once
 
@@ -30,7 +30,7 @@ bool ShellDeleteFiles(HWND owner, const wchar_t* pathList, FILEOP_FLAGS flags);
 // tools do with files they have replaced.
 bool MoveToRecycleBin(HWND owner, const wchar_t* path);
 
-// Deletes one file outright.
+// Deletes one file: it goes to the recycle bin, quietly, as with MoveToRecycleBin.
 bool DeleteOneFile(const wchar_t* path);
 
 // The current folder of `drive` ('C' or 'c') into `folder` (520 characters): the process's

@@ -1,5 +1,10 @@
 #include "FileOperations.h"
 
+#include <shlobj.h>
+#include <shlwapi.h>
+
+#include "ComScope.h"
+
 #include "../../nccore/win32/DialogDriver.h"
 #include "TestFiles.h"
 
@@ -10,6 +15,33 @@
 namespace {
 
 using lxtest::DialogDriver;
+
+// Whether the recycle bin lists an item of that name, as the shell shows it.
+bool RecycleBinHolds(const std::wstring& name) {
+    lx::ComScope com;
+    IShellFolder* desktop = nullptr;
+    if (FAILED(SHGetDesktopFolder(&desktop))) return false;
+    PIDLIST_ABSOLUTE binPidl = nullptr;
+    IShellFolder* bin = nullptr;
+    if (SUCCEEDED(SHGetSpecialFolderLocation(nullptr, CSIDL_BITBUCKET, &binPidl)))
+        desktop->BindToObject(binPidl, nullptr, IID_IShellFolder, reinterpret_cast<void**>(&bin));
+    IEnumIDList* items = nullptr;
+    if (bin) bin->EnumObjects(nullptr, SHCONTF_FOLDERS | SHCONTF_NONFOLDERS | SHCONTF_INCLUDEHIDDEN, &items);
+    bool found = false;
+    PITEMID_CHILD child = nullptr;
+    while (items && !found && items->Next(1, &child, nullptr) == S_OK) {
+        STRRET text{};
+        wchar_t shown[MAX_PATH] = {};
+        if (SUCCEEDED(bin->GetDisplayNameOf(child, SHGDN_NORMAL, &text)) && SUCCEEDED(StrRetToBufW(&text, child, shown, MAX_PATH)))
+            found = name == shown || std::wstring(shown) + L".jpg" == name;
+        CoTaskMemFree(child);
+    }
+    if (items) items->Release();
+    if (bin) bin->Release();
+    CoTaskMemFree(binPidl);
+    desktop->Release();
+    return found;
+}
 
 TEST(RecycleBin, MovesAFileAwayWithoutAsking) {
     lxtest::ScratchDir scratch("recycle");
@@ -42,12 +74,15 @@ TEST(RecycleBin, PathListEndsWithTwoNuls) {
     EXPECT_EQ(list.c_str()[9], L'\0');
 }
 
-TEST(DeleteOneFile, RemovesOnlyThatFile) {
+// Del in the viewer: the file leaves its folder for the recycle bin, without a question.
+TEST(DeleteOneFile, SendsTheFileToTheRecycleBin) {
     lxtest::ScratchDir scratch("deleteone");
-    const auto file = scratch / "x.jpg";
+    const std::wstring name = L"lx-deleted-" + std::to_wstring(GetCurrentProcessId()) + L".jpg";
+    const auto file = scratch.path() / name;
     lxtest::WriteFile(file, std::string("x"));
     EXPECT_TRUE(lx::DeleteOneFile(file.c_str()));
     EXPECT_FALSE(std::filesystem::exists(file));
+    EXPECT_TRUE(RecycleBinHolds(name));
     EXPECT_FALSE(lx::DeleteOneFile(file.c_str()));
     EXPECT_FALSE(lx::DeleteOneFile(nullptr));
 }

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <utility>
 
 #include "DibGlobal.h"
 #include "ImageCodecs.h"
@@ -66,37 +67,27 @@ protected:
     CLoaderThread loader_;
 };
 
-TEST_F(LoaderTest, PostsTheDecodedImageWithTheRequestStamp) {
-    const auto path = Picture("a.bmp", 123, 45);
-    ASSERT_TRUE(loader_.Start(4242, path.wstring()));
-    const Result result = Wait();
-    ASSERT_TRUE(result.arrived);
-    EXPECT_EQ(result.stamp, 4242u);
-    ASSERT_TRUE(result.image);
-    std::optional<PackedDib> dib = DibFromGlobal(result.image);
-    ASSERT_TRUE(dib);
-    EXPECT_EQ(dib->width(), 123);
-    EXPECT_EQ(dib->height(), 45);
-    GlobalFree(result.image);
+TEST_F(LoaderTest, PostsWhatTheFileGaveWithTheRequestStamp) {
+    Picture("a.bmp", 123, 45);
+    WriteFile(dir_ / "broken.jpg", std::string("\xFF\xD8\xFF\xE0 not really a jpeg"));
+    const struct {
+        const char* name;
+        DWORD stamp;
+        int width, height;  // 0: no image
+    } cases[] = {{"a.bmp", 4242, 123, 45}, {"broken.jpg", 7, 0, 0}, {"missing.png", 8, 0, 0}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        ASSERT_TRUE(loader_.Start(c.stamp, (dir_ / c.name).wstring()));
+        const Result result = Wait();
+        ASSERT_TRUE(result.arrived);
+        EXPECT_EQ(result.stamp, c.stamp);
+        const std::optional<PackedDib> dib = DibFromGlobal(result.image);
+        EXPECT_EQ(dib ? std::pair(dib->width(), dib->height()) : std::pair(0, 0), std::pair(c.width, c.height));
+        if (result.image) GlobalFree(result.image);
+    }
     // The thread has ended by itself once the result is out; stopping clears the request.
     loader_.Stop();
     EXPECT_FALSE(loader_.IsRunning());
-}
-
-TEST_F(LoaderTest, AnUnreadableFilePostsNoImage) {
-    const auto broken = dir_ / "broken.jpg";
-    WriteFile(broken, std::string("\xFF\xD8\xFF\xE0 not really a jpeg"));
-    ASSERT_TRUE(loader_.Start(7, broken.wstring()));
-    Result result = Wait();
-    ASSERT_TRUE(result.arrived);
-    EXPECT_EQ(result.stamp, 7u);
-    EXPECT_EQ(result.image, nullptr);
-
-    ASSERT_TRUE(loader_.Start(8, (dir_ / "missing.png").wstring()));
-    result = Wait();
-    ASSERT_TRUE(result.arrived);
-    EXPECT_EQ(result.stamp, 8u);
-    EXPECT_EQ(result.image, nullptr);
 }
 
 TEST_F(LoaderTest, EachStartEndsThePreviousLoad) {

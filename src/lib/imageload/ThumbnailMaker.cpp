@@ -6,6 +6,7 @@
 #include "mif.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <numeric>
 #include <vector>
 
@@ -35,6 +36,18 @@ bool ExifFastPathApplies(const std::filesystem::path& name) {
 }
 
 }  // namespace
+
+ThumbSize FitInBox(int width, int height, int box) {
+    if (width <= 0 || height <= 0 || box <= 0) return {};
+    if (width <= box && height <= box) return {width, height};
+    // Rounded to the nearest pixel; 64 bits because a side may be anything a header says.
+    auto scaled = [box](int side, int longSide) {
+        const int64_t value = (static_cast<int64_t>(side) * box * 2 + longSide) / (2 * static_cast<int64_t>(longSide));
+        return static_cast<int>(std::max<int64_t>(value, 1));
+    };
+    if (width >= height) return {box, scaled(height, width)};
+    return {scaled(width, height), box};
+}
 
 std::optional<PackedDib> FitThumbnail(PackedDib picture, int box) {
     const ThumbSize size = FitInBox(picture.width(), picture.height(), box);

@@ -8,7 +8,7 @@
 
 #include <string>
 
-#include "ThumbnailLayout.h"
+#include "ThumbnailMaker.h"
 
 namespace lx {
 

@@ -7,7 +7,9 @@
 // Ownership: an image handed in with wParam 1 belongs to the view until it is handed back as
 // the result of the next set-image message, or freed by the view when the window is destroyed.
 // With wParam 0 the view keeps a copy and the caller keeps its block. Message 1711 lends the
-// handle: the view still owns it.
+// handle: the view still owns it. The view draws from the block it holds, so a taken block
+// laid out otherwise than a plain bottom-up DIB (top-down, a larger header) is replaced by
+// one that is and freed: the handle handed back is then the replacement.
 //
 // The view tells its parent about changes with WM_NOTIFY carrying a ZoomViewNotify.
 #pragma once

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <optional>
 
 #include "DibGlobal.h"
@@ -31,9 +32,13 @@ public:
 
 private:
     // --- the image and what is drawn from it ---
+    // The block is the one copy of the picture the view keeps: it is drawn from directly.
+    // Its size and the offset of its pixels are read once when it comes in; width 0 means
+    // it holds no picture the view can show (a malformed block is kept, to be handed back,
+    // but not drawn).
     HGLOBAL image_ = nullptr;
-    mif picture_;
-    Bitmap fullSize_;       // the picture as a DIB section, for 100 % and above
+    int width_ = 0, height_ = 0;
+    size_t bitsOffset_ = 0;
     Bitmap reduced_;        // the area-averaged picture for reducedZoom_
     int reducedZoom_ = 0;
     ZoomViewSettings settings_;
@@ -45,12 +50,14 @@ private:
 
     // --- mouse ---
     Drag drag_ = Drag::None;
+    bool leftAnchor_ = false;  // a selecting drag has left the pixel it started on
     int64_t anchorX_ = 0, anchorY_ = 0;
     POINT grab_{};
     POINT cursor_{};
 
-    int imageWidth() const { return picture_.width(); }
-    int imageHeight() const { return picture_.height(); }
+    int imageWidth() const { return width_; }
+    int imageHeight() const { return height_; }
+    bool HasPicture() const { return width_ > 0; }
 
     RECT Client() const {
         RECT rc{};
@@ -80,27 +87,46 @@ private:
     // ---------------------------------------------------------------- image
     LRESULT TakeImage(WPARAM wParam, LPARAM lParam, bool keepPosition) {
         HGLOBAL previous = image_;
-        HGLOBAL incoming = reinterpret_cast<HGLOBAL>(lParam);
         image_ = nullptr;
-        picture_.destroy();
-        if (incoming) {
-            // A block we are only lent is copied, so the caller may free it at once.
-            image_ = wParam == 1 ? incoming : DibToGlobalCopy(incoming);
-            if (auto dib = DibFromGlobal(image_)) picture_.attachdib(std::move(*dib));
-        }
-        fullSize_.reset();
+        width_ = height_ = 0;
         reduced_.reset();
         reducedZoom_ = 0;
-        if (!picture_.empty()) fullSize_.reset(picture_.createbitmap(nullptr));
+        if (auto incoming = reinterpret_cast<HGLOBAL>(lParam)) image_ = Adopt(incoming, wParam == 1);
         selection_ = ClipSelection(selection_, imageWidth(), imageHeight());
         if (!keepPosition) scrollX_ = scrollY_ = 0;
         Relayout();
         return reinterpret_cast<LRESULT>(previous);
     }
 
-    static HGLOBAL DibToGlobalCopy(HGLOBAL block) {
-        auto dib = DibFromGlobal(block);
-        return dib ? DibToGlobal(*dib) : nullptr;
+    // The block the view keeps for `incoming`, taken (`take`) or only lent. Pixels are drawn
+    // straight from it, so it must be laid out as PackedDib lays a DIB out (plain header,
+    // bottom-up); a taken block in any other layout (top-down, a larger header) is replaced
+    // by one that is, and a lent one is copied, so the caller may free it at once. The
+    // parsed DIB is only a passing check: one copy of the picture stays.
+    HGLOBAL Adopt(HGLOBAL incoming, bool take) {
+        const std::optional<PackedDib> dib = DibFromGlobal(incoming);
+        if (!dib) return take ? incoming : nullptr;
+        if (take && HoldsExactly(incoming, *dib)) return Remember(*dib, incoming);
+        HGLOBAL own = DibToGlobal(*dib);
+        if (!own) return take ? incoming : nullptr;
+        if (take) GlobalFree(incoming);
+        return Remember(*dib, own);
+    }
+
+    HGLOBAL Remember(const PackedDib& dib, HGLOBAL block) {
+        width_ = dib.width();
+        height_ = dib.height();
+        bitsOffset_ = static_cast<size_t>(dib.bits() - dib.bytes().data());
+        return block;
+    }
+
+    static bool HoldsExactly(HGLOBAL block, const PackedDib& dib) {
+        const auto& bytes = dib.bytes();
+        if (GlobalSize(block) < bytes.size()) return false;
+        const void* p = GlobalLock(block);
+        const bool same = p && std::memcmp(p, bytes.data(), bytes.size()) == 0;
+        if (p) GlobalUnlock(block);
+        return same;
     }
 
     LRESULT OnSetImage(WPARAM wParam, LPARAM lParam) { return TakeImage(wParam, lParam, false); }
@@ -148,7 +174,7 @@ private:
             case kZoomFitHeight:
             case kZoomFitWidth:
                 fitCommand_ = command;
-                if (!picture_.empty()) ZoomAroundCentre(FitFor(command));
+                if (!!HasPicture()) ZoomAroundCentre(FitFor(command));
                 break;
             default: break;
         }
@@ -227,7 +253,7 @@ private:
     LRESULT OnGetSelection(WPARAM, LPARAM lParam) {
         if (auto* rect = reinterpret_cast<RECT*>(lParam))
             *rect = RECT{selection_.left, selection_.top, selection_.right, selection_.bottom};
-        return picture_.empty() ? 0 : 1;
+        return !HasPicture() ? 0 : 1;
     }
 
     // ---------------------------------------------------------------- layout and scrolling
@@ -239,8 +265,8 @@ private:
         // settle it.
         for (int round = 0; round < 2; ++round) {
             const RECT rc = Client();
-            const int64_t width = picture_.empty() ? 0 : ScaledExtent(imageWidth(), zoom_);
-            const int64_t height = picture_.empty() ? 0 : ScaledExtent(imageHeight(), zoom_);
+            const int64_t width = !HasPicture() ? 0 : ScaledExtent(imageWidth(), zoom_);
+            const int64_t height = !HasPicture() ? 0 : ScaledExtent(imageHeight(), zoom_);
             scrollX_ = ClampScroll(scrollX_, width, rc.right);
             scrollY_ = ClampScroll(scrollY_, height, rc.bottom);
             SetBar(SB_HORZ, width, rc.right, scrollX_);
@@ -300,7 +326,7 @@ private:
     LRESULT OnVScroll(WPARAM wParam, LPARAM) { return Scroll(SB_VERT, wParam); }
 
     LRESULT OnSize(WPARAM, LPARAM) {
-        if (fitCommand_ && (settings_.options & kOptionRefitOnResize) && !picture_.empty() && !updatingBars_) {
+        if (fitCommand_ && (settings_.options & kOptionRefitOnResize) && !!HasPicture() && !updatingBars_) {
             const int zoom = FitFor(*fitCommand_);
             if (zoom != zoom_) {
                 zoom_ = zoom;
@@ -316,7 +342,7 @@ private:
 
     LRESULT OnLButtonDown(WPARAM, LPARAM lParam) {
         SetFocus(hwnd());
-        if (picture_.empty()) return 0;
+        if (!HasPicture()) return 0;
         SetCapture(hwnd());
         grab_ = POINT{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
         if (HandTool()) {
@@ -328,7 +354,9 @@ private:
             const ViewMapping map = Mapping();
             anchorX_ = map.ToImageX(grab_.x);
             anchorY_ = map.ToImageY(grab_.y);
-            SetSelection(SelectionFromDrag(anchorX_, anchorY_, anchorX_, anchorY_, imageWidth(), imageHeight()));
+            // A click alone selects nothing: the selection starts when the mouse moves on.
+            leftAnchor_ = false;
+            SetSelection(ViewRect{});
         }
         return 0;
     }
@@ -341,7 +369,8 @@ private:
             scrollX_ = anchorX_ - (at.x - grab_.x);
             scrollY_ = anchorY_ - (at.y - grab_.y);
             Relayout();
-        } else if (drag_ == Drag::Select) {
+        } else if (drag_ == Drag::Select && (leftAnchor_ || cursor_.x != anchorX_ || cursor_.y != anchorY_)) {
+            leftAnchor_ = true;
             SetSelection(SelectionFromDrag(anchorX_, anchorY_, cursor_.x, cursor_.y, imageWidth(), imageHeight()));
             return 0;
         }
@@ -388,17 +417,17 @@ private:
     // once per zoom, at 100 % from the full-size bitmap, above it by repeating pixels of the
     // full-size bitmap (nearest neighbour, the visible part only).
     void DrawPicture(HDC target, const ViewMapping& map, const RECT& client) {
-        if (picture_.empty() || !fullSize_) return;
-        MemoryDc source(target);
+        if (!HasPicture()) return;
         if (zoom_ < kZoomFull) {
             if (reducedZoom_ != zoom_) {
-                mif small(picture_.dib());
+                mif small(static_cast<void*>(image_));  // a passing copy, reduced in place
                 small.zoom(static_cast<int>(ScaledExtent(imageWidth(), zoom_)),
                            static_cast<int>(ScaledExtent(imageHeight(), zoom_)), kZoomHighQuality, 0);
                 reduced_.reset(small.createbitmap(nullptr));
                 reducedZoom_ = reduced_ ? zoom_ : 0;
             }
             if (!reduced_) return;
+            MemoryDc source(target);
             SelectScope select(source.get(), reduced_.get());
             BitBlt(target, static_cast<int>(map.originX), static_cast<int>(map.originY),
                    static_cast<int>(ScaledExtent(imageWidth(), zoom_)), static_cast<int>(ScaledExtent(imageHeight(), zoom_)),
@@ -410,18 +439,22 @@ private:
         const int64_t x1 = std::min<int64_t>(imageWidth(), map.ToImageX(client.right - 1) + 1);
         const int64_t y1 = std::min<int64_t>(imageHeight(), map.ToImageY(client.bottom - 1) + 1);
         if (x1 <= x0 || y1 <= y0) return;
-        SelectScope select(source.get(), fullSize_.get());
+        const auto* block = static_cast<const uint8_t*>(GlobalLock(image_));
+        if (!block) return;
         SetStretchBltMode(target, COLORONCOLOR);
         const int64_t left = map.ToClientX(x0), top = map.ToClientY(y0);
-        StretchBlt(target, static_cast<int>(left), static_cast<int>(top), static_cast<int>(map.ToClientX(x1) - left),
-                   static_cast<int>(map.ToClientY(y1) - top), source.get(), static_cast<int>(x0), static_cast<int>(y0),
-                   static_cast<int>(x1 - x0), static_cast<int>(y1 - y0), SRCCOPY);
+        // The DIB is bottom-up: its source rows count from the last image row.
+        StretchDIBits(target, static_cast<int>(left), static_cast<int>(top), static_cast<int>(map.ToClientX(x1) - left),
+                      static_cast<int>(map.ToClientY(y1) - top), static_cast<int>(x0), static_cast<int>(height_ - y1),
+                      static_cast<int>(x1 - x0), static_cast<int>(y1 - y0), block + bitsOffset_,
+                      reinterpret_cast<const BITMAPINFO*>(block), DIB_RGB_COLORS, SRCCOPY);
+        GlobalUnlock(image_);
     }
 
     // Grid lines every gridStep image pixels, drawn only where they are at least 4 screen
     // pixels apart.
     void DrawGrid(HDC target, const ViewMapping& map, const RECT& client) {
-        if (!settings_.gridShown || picture_.empty() || settings_.gridStep <= 0) return;
+        if (!settings_.gridShown || !HasPicture() || settings_.gridStep <= 0) return;
         if (ScaledExtent(settings_.gridStep, zoom_) < 4) return;
         Pen pen(CreatePen(PS_SOLID, 1, settings_.gridColour));
         SelectScope select(target, pen.get());

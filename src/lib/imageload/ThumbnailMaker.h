@@ -10,7 +10,6 @@
 #pragma once
 
 #include "PackedDib.h"
-#include "ThumbnailLayout.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -20,6 +19,19 @@
 namespace lx {
 
 class ByteSource;
+
+// The long side of a list thumbnail.
+constexpr int kThumbnailBox = 72;
+
+struct ThumbSize {
+    int width = 0, height = 0;
+    bool operator==(const ThumbSize&) const = default;
+};
+
+// The size of an image of width x height fitted into a square of `box`: the aspect is kept,
+// the long side becomes `box`, neither side becomes 0. Images that fit already keep their
+// own size (a thumbnail is never enlarged). Non-positive sizes give {0, 0}.
+ThumbSize FitInBox(int width, int height, int box = kThumbnailBox);
 
 std::optional<PackedDib> MakeThumbnailDib(const std::filesystem::path& path, int box = kThumbnailBox);
 

@@ -1,0 +1,323 @@
+// The portable thumbnail maker: sizes, depth and pixels of the reduced picture (natively
+// with Pillow's box reduction as the oracle), the embedded-picture fast path with orientation
+// (a TIFF written here whose second page is an RGB thumbnail; under Windows also a JPEG whose
+// Exif data embeds one, through the system codec), and damaged files.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "ByteSource.h"
+#include "ImageCodecs.h"
+#include "TestFiles.h"
+#include "ThumbnailMaker.h"
+
+#ifdef _WIN32
+#include <utility>
+
+#include "JpegWriter.h"
+#include "Thumbnail.h"
+#endif
+
+using namespace lx;
+
+using lxtest::ScratchDir;
+
+namespace {
+
+// A picture whose left half is red and right half blue, as 24-bit.
+PackedDib Halves(int width, int height) {
+    PackedDib dib = PackedDib::Create(width, height, 24);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            uint8_t* p = dib.row(y) + x * 3;
+            p[2] = x < width / 2 ? 255 : 0;
+            p[0] = x < width / 2 ? 0 : 255;
+        }
+    return dib;
+}
+
+void SaveBmp(const PackedDib& dib, const std::filesystem::path& path) { ASSERT_NE(SaveBmpFile(path, dib), 0); }
+
+uint32_t Rgb(const PackedDib& dib, int x, int y) { return dib.pixel(x, y) & 0xffffff; }
+
+struct At {
+    int x, y;
+};
+
+}  // namespace
+
+TEST(FitInBox, KeepsTheAspectNeverZeroNeverEnlarged) {
+    struct Case {
+        int width, height, box;
+        ThumbSize want;
+    };
+    const Case cases[] = {
+        {4000, 3000, 72, {72, 54}}, {3000, 4000, 72, {54, 72}}, {300, 200, 72, {72, 48}}, {1000, 1000, 96, {96, 96}},
+        // Rounded to the nearest pixel: 72 * 101 / 150 = 48.48, 72 * 103 / 150 = 49.44.
+        {150, 101, 72, {72, 48}}, {150, 103, 72, {72, 49}},
+        {10000, 1, 72, {72, 1}}, {1, 10000, 72, {1, 72}}, {2147483647, 2147483647, 72, {72, 72}},
+        {20, 10, 72, {20, 10}}, {72, 5, 72, {72, 5}},  // already small enough
+        {0, 10, 72, {}}, {10, -1, 72, {}}, {10, 10, 0, {}},
+    };
+    for (const Case& c : cases) EXPECT_EQ(FitInBox(c.width, c.height, c.box), c.want) << c.width << "x" << c.height;
+}
+
+TEST(ThumbnailMaker, LandscapePortraitAndTinyPicturesFromBmpFiles) {
+    ScratchDir dir("thumbmaker-sizes");
+    SaveBmp(Halves(300, 200), dir / "wide.bmp");
+    SaveBmp(Halves(200, 300), dir / "tall.bmp");
+    SaveBmp(Halves(20, 10), dir / "tiny.bmp");
+
+    const auto wide = MakeThumbnailDib(dir / "wide.bmp");
+    ASSERT_TRUE(wide);
+    EXPECT_EQ(wide->width(), 72);
+    EXPECT_EQ(wide->height(), 48);
+    EXPECT_EQ(wide->bitCount(), 24);
+    EXPECT_EQ(Rgb(*wide, 5, 24), 0xff0000u);
+    EXPECT_EQ(Rgb(*wide, 66, 24), 0x0000ffu);
+
+    const auto tall = MakeThumbnailDib(dir / "tall.bmp");
+    ASSERT_TRUE(tall);
+    EXPECT_EQ(tall->width(), 48);
+    EXPECT_EQ(tall->height(), 72);
+
+    // Smaller than the box: kept at its own size, pixel for pixel.
+    const auto tiny = MakeThumbnailDib(dir / "tiny.bmp");
+    ASSERT_TRUE(tiny);
+    EXPECT_EQ(tiny->width(), 20);
+    EXPECT_EQ(tiny->height(), 10);
+    EXPECT_EQ(Rgb(*tiny, 9, 3), 0xff0000u);
+    EXPECT_EQ(Rgb(*tiny, 10, 3), 0x0000ffu);
+}
+
+TEST(ThumbnailMaker, PalettePicturesBecome24BitAndAlphaLiesOverWhite) {
+    PackedDib grey = PackedDib::Create(144, 144, 8);
+    for (int y = 0; y < 144; ++y)
+        for (int x = 0; x < 144; ++x) grey.row(y)[x] = 200;
+    const auto fromGrey = FitThumbnail(grey);
+    ASSERT_TRUE(fromGrey);
+    EXPECT_EQ(fromGrey->bitCount(), 24);
+    EXPECT_EQ(Rgb(*fromGrey, 30, 30), 0xc8c8c8u);
+
+    PackedDib clear = PackedDib::Create(10, 10, 32);  // all zero: transparent black
+    for (int x = 0; x < 10; ++x) {
+        uint8_t* p = clear.row(0) + x * 4;
+        p[2] = 255, p[3] = 255;  // one opaque red row
+    }
+    const auto fromClear = FitThumbnail(clear);
+    ASSERT_TRUE(fromClear);
+    EXPECT_EQ(fromClear->bitCount(), 24);
+    EXPECT_EQ(Rgb(*fromClear, 4, 0), 0xff0000u);
+    EXPECT_EQ(Rgb(*fromClear, 4, 5), 0xffffffu);
+
+    EXPECT_FALSE(FitThumbnail(PackedDib()));
+}
+
+#ifndef _WIN32
+TEST(ThumbnailMaker, ReductionAveragesAreasLikePillowsBoxReduction) {
+    // Debian's Python, where scripts/setup.sh installs Pillow (a python3 earlier on the PATH may lack it).
+    LX_REQUIRE_TOOLS("/usr/bin/python3");
+    ASSERT_EQ(lxtest::Run("/usr/bin/python3 -c 'import PIL' >/dev/null 2>&1"), 0) << "Pillow is missing";
+    ScratchDir dir("thumbmaker-pillow");
+    // Detail finer than the reduction factor of 4, so a point sample would differ.
+    PackedDib dib = PackedDib::Create(288, 144, 24);
+    for (int y = 0; y < 144; ++y)
+        for (int x = 0; x < 288; ++x) {
+            uint8_t* p = dib.row(y) + x * 3;
+            p[0] = static_cast<uint8_t>((x * 29 + y * 3) % 256);
+            p[1] = static_cast<uint8_t>(((x ^ y) & 1) ? 250 : 10);
+            p[2] = static_cast<uint8_t>((y * 17) % 256);
+        }
+    SaveBmp(dib, dir / "detail.bmp");
+    const auto ours = MakeThumbnailDib(dir / "detail.bmp");
+    ASSERT_TRUE(ours);
+    ASSERT_EQ(ours->width(), 72);
+    ASSERT_EQ(ours->height(), 36);
+    const std::string script = "from PIL import Image; Image.open('" + (dir / "detail.bmp").string() +
+                               "').convert('RGB').reduce(4).save('" + (dir / "pillow.bmp").string() + "')";
+    ASSERT_EQ(lxtest::Run("/usr/bin/python3 -c \"" + script + "\""), 0);
+    const auto pillow = LoadImageFile(dir / "pillow.bmp");
+    ASSERT_TRUE(pillow);
+    int worst = 0;
+    for (int y = 0; y < 36; ++y)
+        for (int x = 0; x < 72; ++x)
+            for (int shift : {0, 8, 16}) {
+                const int a = (ours->pixel(x, y) >> shift) & 0xff, b = (pillow->pixel(x, y) >> shift) & 0xff;
+                worst = std::max(worst, std::abs(a - b));
+            }
+    EXPECT_LE(worst, 1);
+}
+#endif
+
+namespace {
+
+void Put16(std::vector<uint8_t>& v, uint32_t x) { v.push_back(x & 0xff), v.push_back((x >> 8) & 0xff); }
+void Put32(std::vector<uint8_t>& v, uint32_t x) { Put16(v, x & 0xffff), Put16(v, x >> 16); }
+void Entry(std::vector<uint8_t>& v, uint16_t tag, uint16_t type, uint32_t value) {
+    Put16(v, tag), Put16(v, type), Put32(v, 1), Put32(v, value);
+}
+
+// One IFD of an uncompressed 8-bit RGB page whose pixels lie at `pixelsAt`.
+void Page(std::vector<uint8_t>& t, int width, int height, uint32_t pixelsAt, uint16_t orientation, uint32_t next) {
+    Put16(t, 9);                                // entry count
+    Entry(t, 0x0100, 3, width);                 // ImageWidth
+    Entry(t, 0x0101, 3, height);                // ImageLength
+    Entry(t, 0x0102, 3, 8);                     // BitsPerSample: 8 for every sample
+    Entry(t, 0x0103, 3, 1);                     // Compression: none
+    Entry(t, 0x0106, 3, 2);                     // PhotometricInterpretation: RGB
+    Entry(t, 0x0111, 4, pixelsAt);              // StripOffsets: one strip
+    Entry(t, 0x0112, 3, orientation);           // Orientation
+    Entry(t, 0x0115, 3, 3);                     // SamplesPerPixel
+    Entry(t, 0x0117, 4, width * height * 3);    // StripByteCounts
+    Put32(t, next);                             // next IFD
+}
+
+// A TIFF whose first page is a 4 x 4 grey picture carrying `orientation`, and whose second
+// page is a `width` x `height` picture with a red left half and a blue right half.
+std::vector<uint8_t> TiffWithThumbnail(int width, int height, uint16_t orientation) {
+    constexpr uint32_t kIfd0 = 8, kIfd1 = kIfd0 + 114, kMainPixels = kIfd1 + 114, kThumbPixels = kMainPixels + 48;
+    std::vector<uint8_t> t = {'I', 'I', 42, 0};
+    Put32(t, kIfd0);
+    Page(t, 4, 4, kMainPixels, orientation, kIfd1);
+    Page(t, width, height, kThumbPixels, 1, 0);
+    t.insert(t.end(), 48, 0x80);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const bool red = x < width / 2;
+            t.insert(t.end(), {static_cast<uint8_t>(red ? 255 : 0), 0, static_cast<uint8_t>(red ? 0 : 255)});
+        }
+    return t;
+}
+
+}  // namespace
+
+TEST(EmbeddedThumbnail, ServesWhenLargeEnoughTurnedUprightByTheOrientation) {
+    struct Case {
+        const char* what;
+        int width, height, orientation, box;
+        int wantWidth, wantHeight;
+        At red, blue;
+    };
+    const Case cases[] = {
+        {"upright", 96, 64, 1, 72, 72, 48, {3, 20}, {68, 20}},
+        {"a quarter turn clockwise: the red left half on top", 96, 64, 6, 72, 48, 72, {24, 3}, {24, 68}},
+        {"a box small enough for a small picture", 60, 40, 1, 40, 40, 27, {3, 10}, {36, 10}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        const std::vector<uint8_t> file = TiffWithThumbnail(c.width, c.height, static_cast<uint16_t>(c.orientation));
+        MemorySource source(file);
+        const auto thumb = EmbeddedThumbnail(source, c.box);
+        ASSERT_TRUE(thumb);
+        EXPECT_EQ(thumb->width(), c.wantWidth);
+        EXPECT_EQ(thumb->height(), c.wantHeight);
+        EXPECT_EQ(Rgb(*thumb, c.red.x, c.red.y), 0xff0000u);
+        EXPECT_EQ(Rgb(*thumb, c.blue.x, c.blue.y), 0x0000ffu);
+        // The file entry takes the fast path too.
+        const auto viaFile = MakeThumbnailDibFromBytes(file, "photo.tif", c.box);
+        ASSERT_TRUE(viaFile);
+        EXPECT_EQ(viaFile->bytes(), thumb->bytes());
+    }
+    // An embedded picture smaller than the box is passed over.
+    const std::vector<uint8_t> small = TiffWithThumbnail(60, 40, 1);
+    MemorySource source(small);
+    EXPECT_FALSE(EmbeddedThumbnail(source));
+}
+
+#ifdef _WIN32
+namespace {
+
+// `main` with an Exif segment after its start marker: IFD0 holding `orientation`, IFD1
+// pointing at `thumbnail` (a whole JPEG) stored right after the IFDs.
+std::vector<uint8_t> WithExifThumbnail(const std::vector<uint8_t>& main, const std::vector<uint8_t>& thumbnail,
+                                       uint16_t orientation) {
+    std::vector<uint8_t> app1 = {0xff, 0xe1, 0, 0, 'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0};
+    Put32(app1, 8);                            // IFD0
+    Put16(app1, 1);                            // one entry
+    Entry(app1, 0x0112, 3, orientation);       // Orientation
+    Put32(app1, 26);                           // IFD1 follows
+    Put16(app1, 2);                            // two entries
+    Entry(app1, 0x0201, 4, 56);                // JPEGInterchangeFormat: after IFD1
+    Entry(app1, 0x0202, 4, static_cast<uint32_t>(thumbnail.size()));  // its length
+    Put32(app1, 0);
+    app1.insert(app1.end(), thumbnail.begin(), thumbnail.end());
+    app1[2] = static_cast<uint8_t>((app1.size() - 2) >> 8), app1[3] = static_cast<uint8_t>((app1.size() - 2) & 0xff);
+    std::vector<uint8_t> file(main.begin(), main.begin() + 2);
+    file.insert(file.end(), app1.begin(), app1.end());
+    file.insert(file.end(), main.begin() + 2, main.end());
+    return file;
+}
+
+std::vector<uint8_t> Jpeg(const PackedDib& dib) {
+    JpegSaveRecord record;
+    record.quality = 95;
+    return EncodeJpeg(dib, record);
+}
+
+bool Near(uint32_t a, uint32_t b) {
+    for (int shift : {0, 8, 16})
+        if (std::abs(static_cast<int>((a >> shift) & 0xff) - static_cast<int>((b >> shift) & 0xff)) > 40) return false;
+    return true;
+}
+
+}  // namespace
+
+// Through the system codec: a JPEG's embedded JPEG thumbnail serves when large enough.
+TEST(ThumbnailMaker, AJpegsExifThumbnailServesTurnedUprightWhenLargeEnough) {
+    const std::vector<uint8_t> main = Jpeg(Halves(400, 300));
+    struct Case {
+        const char* what;
+        int thumbWidth, thumbHeight, orientation, width, height;
+        At at;
+        uint32_t colour;
+    };
+    // The main picture is red and blue, the embedded one blue and red: the colours tell
+    // which served.
+    const Case cases[] = {
+        {"a quarter turn clockwise: the left half on top", 160, 120, 6, 54, 72, {27, 8}, 0x0000ff},
+        {"smaller than the box: the whole picture instead", 64, 48, 1, 72, 54, {10, 27}, 0xff0000},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        PackedDib thumb = Halves(c.thumbWidth, c.thumbHeight);
+        for (int y = 0; y < c.thumbHeight; ++y)
+            for (int x = 0; x < c.thumbWidth; ++x) std::swap(thumb.row(y)[x * 3], thumb.row(y)[x * 3 + 2]);
+        const auto made = MakeThumbnailDibFromBytes(WithExifThumbnail(main, Jpeg(thumb), c.orientation), "a.jpg");
+        ASSERT_TRUE(made);
+        EXPECT_EQ(made->width(), c.width);
+        EXPECT_EQ(made->height(), c.height);
+        EXPECT_TRUE(Near(Rgb(*made, c.at.x, c.at.y), c.colour)) << std::hex << Rgb(*made, c.at.x, c.at.y);
+    }
+}
+
+// The list's bitmap: a 24-bit DIB section of the fitted size, or none.
+TEST(ThumbnailMaker, TheListBitmapIsA24BitSectionOfTheFittedSize) {
+    ScratchDir dir("thumbnail-win");
+    lxtest::WriteFile(dir / "plain.jpg", Jpeg(Halves(400, 300)));
+    HBITMAP bitmap = MakeThumbnail((dir / "plain.jpg").wstring());
+    DIBSECTION section{};
+    ASSERT_EQ(GetObjectW(bitmap, sizeof(section), &section), static_cast<int>(sizeof(section)));
+    EXPECT_EQ(section.dsBm.bmWidth, 72);
+    EXPECT_EQ(section.dsBm.bmHeight, 54);
+    EXPECT_EQ(section.dsBm.bmBitsPixel, 24);
+    DeleteObject(bitmap);
+    EXPECT_EQ(MakeThumbnail((dir / "absent.jpg").wstring()), nullptr);
+}
+#endif
+
+TEST(ThumbnailMaker, MissingTruncatedAndUnknownFilesFail) {
+    ScratchDir dir("thumbmaker-bad");
+    EXPECT_FALSE(MakeThumbnailDib(dir / "absent.bmp"));
+    SaveBmp(Halves(300, 200), dir / "whole.bmp");
+    std::vector<uint8_t> bytes = lxtest::ReadFile(dir / "whole.bmp");
+    bytes.resize(bytes.size() / 2);
+    lxtest::WriteFile(dir / "half.bmp", bytes);
+    EXPECT_FALSE(MakeThumbnailDib(dir / "half.bmp"));
+    EXPECT_FALSE(MakeThumbnailDibFromBytes(bytes, "half.bmp"));
+    lxtest::WriteFile(dir / "text.jpg", std::string("not a picture at all"));
+    EXPECT_FALSE(MakeThumbnailDib(dir / "text.jpg"));
+    // A TIFF header pointing outside the file.
+    const std::vector<uint8_t> hostile = {'I', 'I', 42, 0, 0xf0, 0xff, 0xff, 0x7f};
+    EXPECT_FALSE(MakeThumbnailDibFromBytes(hostile, "x.tif"));
+}
