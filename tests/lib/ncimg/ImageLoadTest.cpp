@@ -16,6 +16,7 @@ namespace {
 TEST(LoadImageFile, UnreadableOrUnknownFilesGiveNothing) {
     lxtest::ScratchDir dir("load-bad");
     EXPECT_FALSE(lx::LoadImageFile(dir / "missing.bmp"));
+    EXPECT_FALSE(lx::LoadImageFile(dir.path()));  // a folder
     lxtest::WriteFile(dir / "text.tga", std::string("not a picture at all"));
     EXPECT_FALSE(lx::LoadImageFile(dir / "text.tga"));
     lxtest::WriteFile(dir / "empty.bmp", std::string());
