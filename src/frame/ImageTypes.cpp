@@ -1,6 +1,6 @@
 #include "ImageTypes.h"
 
-#include "PathPieces.h"
+#include "PathNames.h"
 
 #include <cwchar>
 #include <string>
