@@ -2,7 +2,7 @@
 // codecs_bench encode IN.ppm OUT   reads the PPM, writes OUT in the format of its extension
 // Both directions do the same work as "convert IN OUT", so run.sh can time them side by side.
 #include "ImageLoad.h"
-#include "ImageProbe.h"
+#include "ImageFormats.h"
 #include "ImageSave.h"
 #include "PnmWriter.h"
 
@@ -10,19 +10,6 @@
 #include <cstring>
 #include <fstream>
 #include <string>
-
-namespace {
-
-int TypeForExtension(const std::string& ext) {
-    static const struct { const char* ext; int type; } kTypes[] = {
-        {".bmp", 1}, {".gif", 3}, {".tif", 4}, {".tga", 5}, {".pcx", 6}, {".ras", 9}, {".png", 10}, {".sgi", 14}, {".ppm", 17},
-    };
-    for (const auto& t : kTypes)
-        if (ext == t.ext) return t.type;
-    return 0;
-}
-
-}  // namespace
 
 int main(int argc, char** argv) {
     if (argc != 4) {
@@ -39,6 +26,5 @@ int main(int argc, char** argv) {
         std::ofstream(argv[3], std::ios::binary).write(reinterpret_cast<const char*>(ppm.data()), static_cast<std::streamsize>(ppm.size()));
         return 0;
     }
-    const int type = TypeForExtension(lx::LowerExtension(argv[3]));
-    return type && lx::SaveImageByType(argv[3], *image, type) ? 0 : 1;
+    return lx::SaveImageByType(argv[3], *image, lx::ImageTypeFromName(argv[3])) ? 0 : 1;
 }

@@ -1,52 +1,25 @@
-// The one vocabulary of image file types that every tool shares.
+// The one vocabulary of image file types that every tool shares: the type ids and the
+// extensions of the codec library's format table (ImageFormats.h), and the rules on paths
+// built on them.
 //
-// A file's type is decided by its extension alone (the text after the last "." of the path,
-// without regard to ASCII case). Save dialogs and the conversion dialog list the types they
-// can write from the two tables below, each ended by a row whose id is -1.
+// A file's type is decided by its extension alone (the text after the last "." of the file
+// name, without regard to ASCII case; "\" and "/" both separate folders). Save dialogs and
+// the conversion dialog list the types they can write from the two tables below, in their
+// display order, each ended by a row whose id is -1.
 // Paths are wide strings; functions that change a path work in place on a buffer of
 // kPathChars characters.
 #pragma once
 
 #include "CommandLine.h"  // kPathChars, the size of every path buffer
+#include "ImageFormats.h"
 
 #include <cstddef>
 #include <cstdint>
 
 namespace lx {
 
-using ImageType = int32_t;
-
-enum : ImageType {
-    kImageUnknown = 0,
-    kImageBmp = 1,
-    kImageJpeg = 2,
-    kImageGif = 3,
-    kImageTiff = 4,
-    kImageTga = 5,
-    kImagePcx = 6,
-    kImageMag = 7,
-    kImageMki = 8,
-    kImageRas = 9,
-    kImagePng = 10,
-    kImagePsd = 11,
-    kImageCam = 13,
-    kImageSgi = 14,
-    kImageWmf = 15,
-    kImageEmf = 16,
-    kImagePnm = 17,
-    kImageIco = 18,
-    kImageTxr = 19,
-    kImageXpm = 20,
-    kImageXbm = 21,
-    kImageFpx = 23,
-    kImageJpeg2000 = 24,
-    kImagePcd = 25,
-    kImageFirstRaw = 26,  // crw, cr2
-    kImageLastRaw = 39,   // 3fr
-    kImageTableEnd = -1,
-};
-
-// The type of a path by its extension; 0 for a null path, no dot or an unknown extension.
+// The type of a path by its file name's extension; 0 for a null path, no dot in the file
+// name or an unknown extension.
 ImageType ImageTypeFromPath(const wchar_t* path);
 
 // True for the types whose files may hold Exif data: JPEG, TIFF and the camera raw kinds.

@@ -1,6 +1,5 @@
 #include "ConvertSave.h"
 
-#include "AtomicFile.h"
 #include "ImageSave.h"
 #include "ImageTypes.h"
 
@@ -18,10 +17,8 @@ JpegSaveRecord ConvertJpegRecord(const ConvertOptions& options) {
 
 int SaveConverted(const std::filesystem::path& destination, const PackedDib& dib, const ConvertOptions& options) {
     switch (options.saveType) {
-    case kImageJpeg: {
-        const std::vector<uint8_t> bytes = EncodeJpeg(dib, ConvertJpegRecord(options));
-        return !bytes.empty() && WriteFileAtomically(destination, bytes) ? 1 : 0;
-    }
+    case kImageJpeg:
+        return SaveJpegFile(destination, dib, ConvertJpegRecord(options));
     case kImageBmp:
     case kImageGif:
     case kImageTiff:

@@ -6,12 +6,6 @@ namespace lx {
 
 namespace {
 
-size_t ExtensionStart(const std::wstring& path) {
-    const size_t nameStart = FileNameStart(path);
-    const size_t dot = path.rfind(L'.');
-    return dot == std::wstring::npos || dot < nameStart ? path.size() : dot;
-}
-
 template <typename... Args>
 std::wstring Format(const wchar_t* format, Args... args) {
     wchar_t buffer[64];
@@ -36,12 +30,6 @@ Era EraOfYear(int year) {
     if (year < 1989) return {L'S', year - 1925};
     return {L'H', year - 1988};
 }
-
-std::wstring FolderOf(const std::wstring& path) { return path.substr(0, FileNameStart(path)); }
-
-std::wstring ExtensionOf(const std::wstring& path) { return path.substr(ExtensionStart(path)); }
-
-std::wstring WithoutExtension(const std::wstring& path) { return path.substr(0, ExtensionStart(path)); }
 
 std::wstring NameItemText(int item, const ShootingTime& t, int counter, const std::wstring& oldPath) {
     const int year = t.year, month = t.month, day = t.day;

@@ -1,8 +1,7 @@
 // RenameNaming: how a new file name is composed from the chosen items, and the preview pass
 // that names every entry of the list.
 //
-// Paths are wide strings; both "\" and "/" separate folders. The extension is the text from
-// the last "." of the file name (not of the folders), the dot included.
+// Paths are wide strings, taken apart by PathNames.h.
 #pragma once
 
 #include <string>
@@ -29,13 +28,6 @@ std::wstring NameItemText(int item, const ShootingTime& time, int counter, const
 
 // The three items joined with "_" (empty ones left out), or empty when all are empty.
 std::wstring ComposeName(const RenameChoices& choices, const ShootingTime& time, int counter, const std::wstring& oldPath);
-
-// Folder part with its trailing separator ("" when there is none), and extension (the file
-// name is FileNameOf, PathNames.h).
-std::wstring FolderOf(const std::wstring& path);
-std::wstring ExtensionOf(const std::wstring& path);
-// The path without the extension of its file name.
-std::wstring WithoutExtension(const std::wstring& path);
 
 // Sets newPath of every entry, walking them in list order with the running number: it
 // starts at 1, goes up by one per entry, and returns to 1 before an entry whose day, month

@@ -12,4 +12,20 @@ size_t FileNameStart(const std::wstring& path) {
 
 std::wstring FileNameOf(const std::wstring& path) { return path.substr(FileNameStart(path)); }
 
+namespace {
+
+size_t ExtensionStart(const std::wstring& path) {
+    const size_t nameStart = FileNameStart(path);
+    const size_t dot = path.rfind(L'.');
+    return dot == std::wstring::npos || dot < nameStart ? path.size() : dot;
+}
+
+}  // namespace
+
+std::wstring FolderOf(const std::wstring& path) { return path.substr(0, FileNameStart(path)); }
+
+std::wstring ExtensionOf(const std::wstring& path) { return path.substr(ExtensionStart(path)); }
+
+std::wstring WithoutExtension(const std::wstring& path) { return path.substr(0, ExtensionStart(path)); }
+
 }  // namespace lx

@@ -15,4 +15,12 @@ size_t FileNameStart(const std::wstring& path);
 // The last component of `path`: its file name.
 std::wstring FileNameOf(const std::wstring& path);
 
+// Folder part with its trailing separator ("" when there is none), and the extension: the
+// text from the last "." of the file name (never of a folder), the dot included.
+std::wstring FolderOf(const std::wstring& path);
+std::wstring ExtensionOf(const std::wstring& path);
+
+// The path without the extension of its file name.
+std::wstring WithoutExtension(const std::wstring& path);
+
 }  // namespace lx

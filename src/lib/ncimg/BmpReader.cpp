@@ -235,4 +235,12 @@ std::optional<PackedDib> ReadBmp(std::span<const uint8_t> file) {
     return std::nullopt;
 }
 
+bool LooksLikeBmp(std::span<const uint8_t> head) {
+    if (head.size() < 18 || head[0] != 'B' || head[1] != 'M') return false;
+    switch (ReadLe32(head.data() + 14)) {
+    case 12: case 16: case 40: case 52: case 56: case 64: case 108: case 124: return true;
+    default: return false;
+    }
+}
+
 }  // namespace lx

@@ -14,4 +14,7 @@ namespace lx {
 
 std::optional<PackedDib> ReadBmp(std::span<const uint8_t> file);
 
+// True when the file starts with "BM" and an information header size some writer uses.
+bool LooksLikeBmp(std::span<const uint8_t> head);
+
 }  // namespace lx

@@ -2,6 +2,7 @@
 // or memory into images and images into files. Images are lx::PackedDib values; whatever
 // an operation returns belongs to the caller.
 //
+//   Which formats           kImageFormats, FindImageFormat(type), ImageTypeFromName(name)
 //   What a file is          ProbeImageType(path), ProbeImageBytes(head, tail, name)
 //   Reading                 LoadImageFile(path), LoadImageBytes(bytes, name),
 //                           LoadBmpFromMemory(block), LoadJpegFromMemory(block)
@@ -15,6 +16,7 @@
 // JPEG encoding itself (EncodeJpeg and its JpegSaveRecord) lives in JpegWriter.h.
 #pragma once
 
+#include "ImageFormats.h"
 #include "ImageLoad.h"
 #include "ImageLoadOrientation.h"
 #include "ImageProbe.h"

@@ -4,9 +4,9 @@
 #ifndef _WIN32
 namespace lx {
 
-std::optional<PackedDib> LoadWithSystemCodec(const std::filesystem::path&, int) { return std::nullopt; }
+std::optional<PackedDib> LoadWithSystemCodec(const std::filesystem::path&, ImageType) { return std::nullopt; }
 
-std::optional<PackedDib> DecodeWithSystemCodec(std::span<const uint8_t>, int) { return std::nullopt; }
+std::optional<PackedDib> DecodeWithSystemCodec(std::span<const uint8_t>, ImageType) { return std::nullopt; }
 
 }  // namespace lx
 #endif

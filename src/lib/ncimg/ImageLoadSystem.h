@@ -3,6 +3,7 @@
 // the portable build loads only the formats the library reads itself.
 #pragma once
 
+#include "ImageFormats.h"
 #include "PackedDib.h"
 
 #include <cstdint>
@@ -13,9 +14,9 @@
 namespace lx {
 
 // The first frame of the file; `type` is what the probe found (0 when it found nothing).
-std::optional<PackedDib> LoadWithSystemCodec(const std::filesystem::path& path, int type);
+std::optional<PackedDib> LoadWithSystemCodec(const std::filesystem::path& path, ImageType type);
 
 // The first frame of an encoded image held in memory.
-std::optional<PackedDib> DecodeWithSystemCodec(std::span<const uint8_t> encoded, int type);
+std::optional<PackedDib> DecodeWithSystemCodec(std::span<const uint8_t> encoded, ImageType type);
 
 }  // namespace lx

@@ -1,16 +1,7 @@
 #include "ImageSave.h"
 
 #include "AtomicFile.h"
-#include "BmpWriter.h"
-#include "GifWriter.h"
-#include "JpegWriter.h"
-#include "PcxWriter.h"
-#include "PngWriter.h"
-#include "PnmWriter.h"
-#include "SgiWriter.h"
-#include "SunWriter.h"
-#include "TgaWriter.h"
-#include "TiffWriter.h"
+#include "ImageFormats.h"
 
 #include <vector>
 
@@ -23,15 +14,20 @@ int WriteEncoded(const std::filesystem::path& path, const std::vector<uint8_t>& 
 
 }  // namespace
 
-int SaveBmpFile(const std::filesystem::path& path, const PackedDib& dib) { return WriteEncoded(path, EncodeBmp(dib)); }
-int SaveGifFile(const std::filesystem::path& path, const PackedDib& dib) { return WriteEncoded(path, EncodeGif(dib)); }
-int SaveTgaFile(const std::filesystem::path& path, const PackedDib& dib) { return WriteEncoded(path, EncodeTga(dib)); }
-int SaveSunFile(const std::filesystem::path& path, const PackedDib& dib) { return WriteEncoded(path, EncodeSun(dib)); }
-int SavePcxFile(const std::filesystem::path& path, const PackedDib& dib) { return WriteEncoded(path, EncodePcx(dib)); }
-int SaveTiffFile(const std::filesystem::path& path, const PackedDib& dib) { return WriteEncoded(path, EncodeTiff(dib)); }
-int SavePngFile(const std::filesystem::path& path, const PackedDib& dib) { return WriteEncoded(path, EncodePng(dib)); }
-int SavePnmFile(const std::filesystem::path& path, const PackedDib& dib) { return WriteEncoded(path, EncodePnm(dib)); }
-int SaveSgiFile(const std::filesystem::path& path, const PackedDib& dib, int) { return WriteEncoded(path, EncodeSgi(dib)); }
+int SaveImageByType(const std::filesystem::path& path, const PackedDib& dib, ImageType type) {
+    const ImageFormat* format = FindImageFormat(type);
+    return format && format->encode ? WriteEncoded(path, format->encode(dib)) : 0;
+}
+
+int SaveBmpFile(const std::filesystem::path& path, const PackedDib& dib) { return SaveImageByType(path, dib, kImageBmp); }
+int SaveGifFile(const std::filesystem::path& path, const PackedDib& dib) { return SaveImageByType(path, dib, kImageGif); }
+int SaveTgaFile(const std::filesystem::path& path, const PackedDib& dib) { return SaveImageByType(path, dib, kImageTga); }
+int SaveSunFile(const std::filesystem::path& path, const PackedDib& dib) { return SaveImageByType(path, dib, kImageRas); }
+int SavePcxFile(const std::filesystem::path& path, const PackedDib& dib) { return SaveImageByType(path, dib, kImagePcx); }
+int SaveTiffFile(const std::filesystem::path& path, const PackedDib& dib) { return SaveImageByType(path, dib, kImageTiff); }
+int SavePngFile(const std::filesystem::path& path, const PackedDib& dib) { return SaveImageByType(path, dib, kImagePng); }
+int SavePnmFile(const std::filesystem::path& path, const PackedDib& dib) { return SaveImageByType(path, dib, kImagePnm); }
+int SaveSgiFile(const std::filesystem::path& path, const PackedDib& dib, int) { return SaveImageByType(path, dib, kImageSgi); }
 
 int SaveJpegFile(const std::filesystem::path& path, const PackedDib& dib, const JpegSaveRecord& record) {
     return WriteEncoded(path, EncodeJpeg(dib, record));
@@ -39,21 +35,5 @@ int SaveJpegFile(const std::filesystem::path& path, const PackedDib& dib, const 
 
 int SaveFlashPixFile(const std::filesystem::path&, const PackedDib&, int, int) { return 0; }
 int SaveJpeg2000File(const std::filesystem::path&, const PackedDib&, int) { return 0; }
-
-int SaveImageByType(const std::filesystem::path& path, const PackedDib& dib, int type) {
-    switch (type) {
-    case 1: return SaveBmpFile(path, dib);
-    case 2: return SaveJpegFile(path, dib, JpegSaveRecord{});
-    case 3: return SaveGifFile(path, dib);
-    case 4: return SaveTiffFile(path, dib);
-    case 5: return SaveTgaFile(path, dib);
-    case 6: return SavePcxFile(path, dib);
-    case 9: return SaveSunFile(path, dib);
-    case 10: return SavePngFile(path, dib);
-    case 14: return SaveSgiFile(path, dib);
-    case 17: return SavePnmFile(path, dib);
-    default: return 0;
-    }
-}
 
 }  // namespace lx

@@ -3,6 +3,7 @@
 // older file of that name is still there, whole. The image stays with the caller.
 #pragma once
 
+#include "ImageFormats.h"
 #include "JpegWriter.h"
 #include "PackedDib.h"
 
@@ -28,8 +29,8 @@ int SaveJpegFile(const std::filesystem::path& path, const PackedDib& dib, const 
 int SaveFlashPixFile(const std::filesystem::path& path, const PackedDib& dib, int compression, int quality);
 int SaveJpeg2000File(const std::filesystem::path& path, const PackedDib& dib, int ratio = 0);
 
-// Saves by image type number (1 BMP, 2 JPEG with the default record, 3 GIF, 4 TIFF, 5 TGA, 6 PCX, 9 Sun raster, 10 PNG,
-// 14 SGI, 17 PNM); 0 for any other type.
-int SaveImageByType(const std::filesystem::path& path, const PackedDib& dib, int type);
+// Saves by the format table's writer for the type (JPEG with the default record); 0 for a
+// type this library does not write.
+int SaveImageByType(const std::filesystem::path& path, const PackedDib& dib, ImageType type);
 
 }  // namespace lx

@@ -1,9 +1,9 @@
 #include "JpegWriter.h"
 
 #include "JpegCoefficients.h"
+#include "ParallelParts.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <thread>
 
@@ -13,24 +13,12 @@ namespace {
 constexpr int kMaxSide = 65535;
 constexpr int kMaxParts = 16;
 
-// Splits [0, count) into contiguous parts of at least minPerPart (at most kMaxParts) and
-// runs fn(begin, end, part) for each, on as many threads as there are cores. Threads take
-// the next part whenever they finish one, so a core that falls behind holds up little.
-// Returns the number of parts.
+// Parts of at least minPerPart items (at most kMaxParts, and a few per core so a core that
+// falls behind holds up little), run in parallel. The output does not depend on the split.
 template <class Fn>
-int ForEachPart(int count, int minPerPart, Fn fn) {
+int ForEachPartOf(int count, int minPerPart, Fn fn) {
     const int cores = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
-    const int parts = std::clamp(count / std::max(minPerPart, 1), 1, std::min(kMaxParts, 4 * cores));
-    std::atomic<int> next{0};
-    auto work = [&] {
-        for (int p = next++; p < parts; p = next++)
-            fn(static_cast<int>(int64_t{count} * p / parts), static_cast<int>(int64_t{count} * (p + 1) / parts), p);
-    };
-    std::vector<std::thread> threads;
-    for (int t = 1; t < std::min(cores, parts); ++t) threads.emplace_back(work);
-    work();
-    for (auto& t : threads) t.join();
-    return parts;
+    return ForEachPart(count, std::clamp(count / std::max(minPerPart, 1), 1, std::min(kMaxParts, 4 * cores)), fn);
 }
 
 void Put16(std::vector<uint8_t>& out, int value) {
@@ -123,7 +111,7 @@ struct SampleSource {
 
 // Transforms the whole image into the frame's coefficient store, in parallel parts.
 void MakeAllCoefficients(JpegFrame& frame, const SampleSource& source) {
-    ForEachPart(frame.mcusDown, 4, [&](int begin, int end, int) {
+    ForEachPartOf(frame.mcusDown, 4, [&](int begin, int end, int) {
         CoefficientMaker maker(source.dib, frame, source.quantizers, source.smoothing);
         for (int row = begin; row < end; ++row) maker.make(row);
     });
@@ -161,7 +149,7 @@ void PutStandardScan(std::vector<uint8_t>& out, const JpegFrame& frame, const Sa
     }
     const ScanCodes codes = PutSequentialTables(out, frame, dc, ac);
     std::vector<BitStream> partBits(kMaxParts);
-    const int parts = ForEachPart(frame.mcusDown, 8, [&](int begin, int end, int part) {
+    const int parts = ForEachPartOf(frame.mcusDown, 8, [&](int begin, int end, int part) {
         JpegFrame rows = PlanFrame(frame.width, frame.height, frame.components.size() == 1, false);
         CoefficientMaker maker(source.dib, rows, source.quantizers, source.smoothing);
         DcPredictors predictors;
@@ -182,7 +170,7 @@ void PutStandardScan(std::vector<uint8_t>& out, const JpegFrame& frame, const Sa
 // the tables, then code in the same parts.
 void PutOptimizedScan(std::vector<uint8_t>& out, const JpegFrame& frame) {
     std::vector<ScanCounts> partCounts(kMaxParts);
-    const int parts = ForEachPart(frame.mcusDown, 8, [&](int begin, int end, int part) {
+    const int parts = ForEachPartOf(frame.mcusDown, 8, [&](int begin, int end, int part) {
         DcPredictors predictors = begin > 0 ? PredictorsAfterRow(frame, begin - 1) : DcPredictors();
         CountSequential(frame, begin, end, predictors, partCounts[part]);
     });
@@ -194,7 +182,7 @@ void PutOptimizedScan(std::vector<uint8_t>& out, const JpegFrame& frame) {
     }
     const ScanCodes codes = PutSequentialTables(out, frame, dc, ac);
     std::vector<BitStream> partBits(kMaxParts);
-    ForEachPart(frame.mcusDown, 8, [&](int begin, int end, int part) {
+    ForEachPartOf(frame.mcusDown, 8, [&](int begin, int end, int part) {
         DcPredictors predictors = begin > 0 ? PredictorsAfterRow(frame, begin - 1) : DcPredictors();
         EncodeSequential(frame, begin, end, predictors, codes, partBits[part]);
     });
@@ -230,7 +218,7 @@ std::vector<uint8_t> ProgressiveScanBytes(const JpegFrame& frame, const Progress
 void PutProgressiveScans(std::vector<uint8_t>& out, const JpegFrame& frame) {
     const std::vector<ProgressiveScan> scans = StandardProgression(static_cast<int>(frame.components.size()));
     std::vector<std::vector<uint8_t>> pieces(scans.size());
-    ForEachPart(static_cast<int>(scans.size()), 1, [&](int begin, int end, int) {
+    ForEachPartOf(static_cast<int>(scans.size()), 1, [&](int begin, int end, int) {
         for (int i = begin; i < end; ++i) pieces[i] = ProgressiveScanBytes(frame, scans[i]);
     });
     for (const auto& piece : pieces) out.insert(out.end(), piece.begin(), piece.end());

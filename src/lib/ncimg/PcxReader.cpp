@@ -109,4 +109,12 @@ std::optional<PackedDib> ReadPcx(std::span<const uint8_t> file) {
     return dib;
 }
 
+bool LooksLikePcx(std::span<const uint8_t> head) {
+    if (head.size() < 128 || head[0] != 0x0a || head[2] > 1) return false;
+    const uint8_t version = head[1], bits = head[3], planes = head[65];
+    const bool versionOk = version == 0 || version == 2 || version == 3 || version == 4 || version == 5;
+    const bool bitsOk = bits == 1 || bits == 2 || bits == 4 || bits == 8;
+    return versionOk && bitsOk && planes >= 1 && planes <= 4;
+}
+
 }  // namespace lx

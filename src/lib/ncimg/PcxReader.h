@@ -14,4 +14,7 @@ namespace lx {
 
 std::optional<PackedDib> ReadPcx(std::span<const uint8_t> file);
 
+// True when the 128-byte header has the PCX mark and a version, depth and plane count we know.
+bool LooksLikePcx(std::span<const uint8_t> head);
+
 }  // namespace lx

@@ -108,4 +108,9 @@ std::optional<PackedDib> ReadPnm(std::span<const uint8_t> file) {
     return dib;
 }
 
+bool LooksLikePnm(std::span<const uint8_t> head) {
+    return head.size() >= 3 && head[0] == 'P' && head[1] >= '1' && head[1] <= '6' &&
+           (head[2] == ' ' || head[2] == '\n' || head[2] == '\r' || head[2] == '\t');
+}
+
 }  // namespace lx

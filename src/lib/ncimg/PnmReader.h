@@ -13,4 +13,7 @@ namespace lx {
 
 std::optional<PackedDib> ReadPnm(std::span<const uint8_t> file);
 
+// True for "P1" to "P6" followed by white space.
+bool LooksLikePnm(std::span<const uint8_t> head);
+
 }  // namespace lx

@@ -14,9 +14,6 @@
 
 namespace lx {
 
-// Whether an image type (the probe's numbering) is one of the camera raw kinds.
-inline bool IsCameraRawType(int type) { return type >= 26 && type <= 39; }
-
 struct RawPreview {
     EmbeddedFormat format = EmbeddedFormat::Jpeg;
     std::vector<uint8_t> bytes;  // a JPEG as stored, or a BMP file image of the thumbnail

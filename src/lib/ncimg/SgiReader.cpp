@@ -89,4 +89,8 @@ std::optional<PackedDib> ReadSgi(std::span<const uint8_t> file) {
     return dib;
 }
 
+bool LooksLikeSgi(std::span<const uint8_t> head) {
+    return head.size() >= 4 && head[0] == 0x01 && head[1] == 0xda && head[2] <= 1 && (head[3] == 1 || head[3] == 2);
+}
+
 }  // namespace lx

@@ -14,4 +14,7 @@ namespace lx {
 
 std::optional<PackedDib> ReadSgi(std::span<const uint8_t> file);
 
+// True for the SGI magic number followed by a storage flag and 1 or 2 bytes per sample.
+bool LooksLikeSgi(std::span<const uint8_t> head);
+
 }  // namespace lx

@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
-#include <exception>
-#include <system_error>
-#include <thread>
+
+#include "ParallelParts.h"
 
 namespace lx::mifpix {
 
@@ -158,45 +157,11 @@ MifRect RectFromSize(int left, int top, int width, int height) {
 }
 
 void ParallelRows(int count, int64_t workPerRow, const std::function<void(int, int)>& fn) {
-    if (count <= 0) return;
     // Below about a million units of work a second thread costs more than it saves. Whether
     // the rows are split depends on the work alone, never on the machine, so that a result
     // that depends on the split (the bands of error diffusion) is the same everywhere.
-    if (count < 2 || static_cast<int64_t>(count) * workPerRow < 1'000'000) {
-        fn(0, count);
-        return;
-    }
-    const int half = count / 2;
-    if (std::thread::hardware_concurrency() < 2) {
-        fn(0, half);
-        fn(half, count);
-        return;
-    }
-    // An exception in the helper (memory running out) is handed to the caller after the join,
-    // as it would be without threads.
-    std::exception_ptr failure;
-    std::thread helper;
-    try {
-        helper = std::thread([&] {
-            try {
-                fn(half, count);
-            } catch (...) {
-                failure = std::current_exception();
-            }
-        });
-    } catch (const std::system_error&) {
-        fn(0, half);  // no thread to be had: both halves here
-        fn(half, count);
-        return;
-    }
-    try {
-        fn(0, half);
-    } catch (...) {
-        helper.join();
-        throw;
-    }
-    helper.join();
-    if (failure) std::rethrow_exception(failure);
+    const bool small = count < 2 || static_cast<int64_t>(count) * workPerRow < 1'000'000;
+    ForEachPart(count, small ? 1 : 2, [&](int begin, int end, int) { fn(begin, end); });
 }
 
 }  // namespace lx::mifpix

@@ -8,9 +8,12 @@
 
 #include "JpegFrameHeader.h"
 #include "PdfPageGeometry.h"
-#include "WholeFile.h"
+#include "FileBytes.h"
 
 namespace lx {
+
+// A page's stream length is copied out as 32 bits, so larger files cannot be embedded.
+constexpr uint64_t kMaxStreamBytes = 0xFFFFFFFFull;
 
 struct JpegPdfWriter::PdfPageRecord {
     static constexpr size_t kHeadCapacity = 256;
@@ -82,11 +85,11 @@ void JpegPdfWriter::RecordOffset(int object) {
 }
 
 int JpegPdfWriter::AddJpegFile(const std::filesystem::path& path) {
-    std::vector<uint8_t> bytes;
-    if (!ReadWholeFile(path, bytes)) return 0;
-    const auto frame = FindJpegFrameHeader(bytes.data(), bytes.size());
+    const auto bytes = ReadWholeFile(path, kMaxStreamBytes);
+    if (!bytes) return 0;
+    const auto frame = FindJpegFrameHeader(bytes->data(), bytes->size());
     if (!frame) return 0;
-    return AddImagePage(path, frame->width, frame->height, bytes.size(), frame->components == 3);
+    return AddImagePage(path, frame->width, frame->height, bytes->size(), frame->components == 3);
 }
 
 int JpegPdfWriter::AddImagePage(const std::filesystem::path& path, uint32_t width, uint32_t height,
@@ -190,16 +193,16 @@ bool JpegPdfWriter::WriteDocument(ByteSink& out) const {
     if (!out.Write(header_, std::strlen(header_))) return false;
     for (const PdfPageRecord* p = firstPage_.get(); p; p = p->next.get()) {
         if (!out.Write(p->head, std::strlen(p->head))) return false;
-        std::vector<uint8_t> bytes;
-        if (!ReadWholeFile(p->path, bytes)) return false;
+        auto bytes = ReadWholeFile(p->path, kMaxStreamBytes);
+        if (!bytes) return false;
         // The recorded length is what the offsets were counted with. A file that grew is cut
         // to it; one that shrank is padded with zero bytes, so every later offset stays true.
         const size_t length = uint32_t(p->streamLength);
-        const size_t copied = bytes.size() < length ? bytes.size() : length;
-        if (copied && !out.Write(bytes.data(), copied)) return false;
+        const size_t copied = bytes->size() < length ? bytes->size() : length;
+        if (copied && !out.Write(bytes->data(), copied)) return false;
         if (copied < length) {
-            bytes.assign(length - copied, 0);
-            if (!out.Write(bytes.data(), bytes.size())) return false;
+            bytes->assign(length - copied, 0);
+            if (!out.Write(bytes->data(), bytes->size())) return false;
         }
         if (!out.Write(p->tail, std::strlen(p->tail))) return false;
     }

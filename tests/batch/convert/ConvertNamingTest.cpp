@@ -16,6 +16,9 @@ TEST(ConvertNamingTest, DestinationTakesTheSaveTypesExtensionUnlessTheNameAlread
         {L"/out", L"/in/b.dib", kImageBmp, L"/out/b.dib"},
         {L"/out", L"/in/noext", kImagePng, L"/out/noext.png"},
         {L"/out", L"/in/c.bmp", kImageRas, L"/out/c.bmp"},  // Sun raster forces no extension
+        // A dot in a folder name typed with "/" is not the file's extension.
+        {L"C:/Users/me/photos.2024", L"D:\\scan\\IMG0001", kImageJpeg, L"C:/Users/me/photos.2024/IMG0001.jpg"},
+        {L"C:\\my.photos/out", L"D:\\scan\\IMG0001", kImageJpeg, L"C:\\my.photos/out/IMG0001.jpg"},
     };
     for (const auto& c : cases) EXPECT_EQ(ConvertDestination(c.folder, c.source, c.type), c.expected) << c.source;
 }

@@ -147,6 +147,18 @@ TEST(ConvertRunTest, LeavesEachFolderAsExpected) {
     }
 }
 
+TEST(ConvertRunTest, DotInTheOutputFolderNameIsNotTheOutputsExtension) {
+    ScratchDir dir("convert-dotfolder");
+    fs::create_directories(dir / "in");
+    fs::create_directories(dir / "photos.2024");
+    WriteBitmapFile(dir / "in" / "scan0001", 40, 30);  // a source without extension
+    lxtest::WriteFile(dir / "photos.jpg", std::string("unrelated"));
+    // The folder typed with "/" separators, as users do on Windows too.
+    EXPECT_EQ(RunOn(Options(kImageJpeg, (dir / "photos.2024").generic_wstring()), {dir / "in" / "scan0001"}).written, 1);
+    EXPECT_EQ(lxtest::ReadFile(dir / "photos.jpg"), (std::vector<uint8_t>{'u', 'n', 'r', 'e', 'l', 'a', 't', 'e', 'd'}));
+    EXPECT_EQ(Identify(dir / "photos.2024" / "scan0001.jpg"), "JPEG 40 30");
+}
+
 TEST(ConvertRunTest, ReadOnlySourceIsDeletedOnlyAfterItsResultIsWritten) {
     ScratchDir dir("convert-delete");
     WriteBitmapFile(dir / "a.bmp", 20, 10);

@@ -6,31 +6,9 @@
 
 using lx::PackedDib;
 using lx::ReadBmp;
-using lxtest::kRose;
 
 namespace {
 
-
-class BmpReadsMagickFiles : public ::testing::TestWithParam<lxtest::MagickCase> {};
-
-TEST_P(BmpReadsMagickFiles, PixelsMatchTheOracleAndCutFilesFail) {
-    LX_REQUIRE_MAGICK();
-    lxtest::CheckReadsMagickFile(ReadBmp, GetParam());
-}
-
-using lxtest::MagickCase;
-INSTANTIATE_TEST_SUITE_P(
-    Depths, BmpReadsMagickFiles,
-    ::testing::Values(MagickCase{"rgb24", kRose + " -type TrueColor BMP3:", 24},
-                      MagickCase{"pal8", kRose + " -colors 200 -type Palette BMP3:", 8},
-                      MagickCase{"pal4", kRose + " -colors 12 -type Palette BMP3:", 4},
-                      MagickCase{"mono", kRose + " -monochrome BMP3:", 1},
-                      MagickCase{"rle8", kRose + " -colors 200 -type Palette -compress RLE BMP3:", 8},
-                      // 5- and 6-bit channels round either way when widened.
-                      MagickCase{"rgb565", kRose + " -define bmp:subtype=RGB565 BMP:", 24, 4},
-                      MagickCase{"argb32", kRose + " -alpha set -channel A -fx 'i/w' +channel BMP:", 32},
-                      MagickCase{"v5rgb24", kRose + " -type TrueColor BMP:", 24}),
-    lxtest::CaseName);
 
 TEST(BmpReader, ReadsTopDownRowsAndRle4) {
     // A 3x2 RLE4 picture built by hand: row 0 (bottom) is a run of 3 pixels of colours 1,2
@@ -76,20 +54,5 @@ TEST(BmpReader, RefusesHostileHeaders) {
     EXPECT_FALSE(patched(14, 5));                   // impossible header size
     EXPECT_FALSE(ReadBmp(std::vector<uint8_t>{'B', 'M'}));
 }
-
-class BmpWriterOracle : public ::testing::TestWithParam<int> {};
-
-TEST_P(BmpWriterOracle, MagickReadsWhatWeWrote) {
-    LX_REQUIRE_MAGICK();
-    const int bits = GetParam();
-    const PackedDib dib = bits == 24 ? lxtest::SyntheticRgb() : lxtest::SyntheticPalette(bits);
-    lxtest::CheckMagickReadsWhatWeWrote(lx::EncodeBmp, dib, "out.bmp");
-    // And our own reader gives back the very same DIB.
-    const auto back = ReadBmp(lx::EncodeBmp(dib));
-    ASSERT_TRUE(back);
-    EXPECT_EQ(back->bytes(), dib.bytes());
-}
-
-INSTANTIATE_TEST_SUITE_P(Depths, BmpWriterOracle, ::testing::Values(1, 4, 8, 24));
 
 }  // namespace

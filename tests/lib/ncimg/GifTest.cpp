@@ -9,19 +9,9 @@ using lx::PackedDib;
 
 namespace {
 
-class GifWriterOracle : public ::testing::TestWithParam<lxtest::DibCase> {};
-
-TEST_P(GifWriterOracle, MagickReadsWhatWeWrote) {
-    LX_REQUIRE_MAGICK();
-    lxtest::CheckMagickReadsWhatWeWrote(lx::EncodeGif, GetParam().make(), "out.gif");
-}
-
-INSTANTIATE_TEST_SUITE_P(Depths, GifWriterOracle,
-                         ::testing::Values(lxtest::kGreyCase, lxtest::kPal8Case, lxtest::kPal4Case, lxtest::kPal1Case),
-                         lxtest::DibCaseName);
-
+#ifndef _WIN32
 TEST(GifWriter, NoiseFillsTheCodeTableAndStartsOver) {
-    LX_REQUIRE_MAGICK();
+    LX_REQUIRE_TOOLS("convert identify");
     // Random indices defeat LZW, so the 4096-code table fills several times over.
     PackedDib dib = PackedDib::Create(301, 157, 8);
     std::mt19937 random(7);
@@ -36,7 +26,7 @@ TEST(GifWriter, NoiseFillsTheCodeTableAndStartsOver) {
 }
 
 TEST(GifWriter, ColourImagesAreReducedToAPalette) {
-    LX_REQUIRE_MAGICK();
+    LX_REQUIRE_TOOLS("convert identify");
     // Few colours: kept exactly.
     PackedDib few = PackedDib::Create(20, 10, 24);
     for (int y = 0; y < 10; ++y)
@@ -54,6 +44,8 @@ TEST(GifWriter, ColourImagesAreReducedToAPalette) {
         for (int x = 0; x < 64; ++x) error += lxtest::ChannelDistance(many.pixel(x, y), back.at(x, y), false);
     EXPECT_LT(error / (64 * 48), 24.0);
 }
+
+#endif
 
 TEST(GifWriter, CodesArePackedLeastSignificantBitFirst) {
     // Indices 0 1 0 1 with 2-bit pixels give the 3-bit codes clear (4), 0, 1, 6 (the

@@ -13,46 +13,10 @@ using lx::PackedDib;
 
 namespace {
 
-struct LoadCase {
-    const char* name;
-    std::string arguments;
-    const char* leaf;
-};
-
-class LoadImageFileDispatch : public ::testing::TestWithParam<LoadCase> {};
-
-TEST_P(LoadImageFileDispatch, EveryOwnFormatLoadsByContent) {
-    LX_REQUIRE_MAGICK();
-    const LoadCase& c = GetParam();
-    lxtest::ScratchDir dir(std::string("load-") + c.name);
-    const auto file = dir / c.leaf;
-    ASSERT_TRUE(lxtest::MagickMake(c.arguments, file));
-    const auto dib = lx::LoadImageFile(file);
-    ASSERT_TRUE(dib) << c.arguments;
-    // The oracle is told the format, since one case hides it under another name.
-    std::string format = c.arguments.substr(c.arguments.rfind(' ') + 1);
-    format.erase(std::remove_if(format.begin(), format.end(), [](char ch) { return ch >= '0' && ch <= '9'; }), format.end());
-    EXPECT_TRUE(lxtest::SamePixels(*dib, lxtest::OracleRead(file, format)));
-}
-
-const std::string kPicture = lxtest::kRose + " -colors 64";
-
-INSTANTIATE_TEST_SUITE_P(
-    Formats, LoadImageFileDispatch,
-    ::testing::Values(LoadCase{"bmp", kPicture + " BMP3:", "a.bmp"}, LoadCase{"pcx", kPicture + " PCX:", "a.pcx"},
-                      LoadCase{"sun", kPicture + " SUN:", "a.ras"}, LoadCase{"psd", lxtest::kRose + " PSD:", "a.psd"},
-                      LoadCase{"sgi", kPicture + " SGI:", "a.sgi"}, LoadCase{"pnm", kPicture + " PPM:", "a.ppm"},
-                      LoadCase{"xpm", kPicture + " XPM:", "a.xpm"},
-                      LoadCase{"xbm", kPicture + " -monochrome XBM:", "a.xbm"},
-                      // Targa has no signature: its extension lets the header check decide.
-                      LoadCase{"tga", kPicture + " TGA:", "a.TGA"},
-                      // A bitmap under a wrong name still loads by its content.
-                      LoadCase{"misnamed", kPicture + " BMP3:", "a.tga"}),
-    [](const auto& info) { return std::string(info.param.name); });
-
 TEST(LoadImageFile, UnreadableOrUnknownFilesGiveNothing) {
     lxtest::ScratchDir dir("load-bad");
     EXPECT_FALSE(lx::LoadImageFile(dir / "missing.bmp"));
+    EXPECT_FALSE(lx::LoadImageFile(dir.path()));  // a folder
     lxtest::WriteFile(dir / "text.tga", std::string("not a picture at all"));
     EXPECT_FALSE(lx::LoadImageFile(dir / "text.tga"));
     lxtest::WriteFile(dir / "empty.bmp", std::string());
@@ -79,8 +43,9 @@ TEST(LoadFromMemory, BitmapBlocksAndJpegWithoutASystemDecoder) {
     EXPECT_FALSE(lx::LoadJpegFromMemory(notJpeg));
 }
 
+#ifndef _WIN32
 TEST(ExifOrientation, ReadFromJpegAndTiffFiles) {
-    LX_REQUIRE_MAGICK();
+    LX_REQUIRE_TOOLS("convert exiftool");
     lxtest::ScratchDir dir("orientation");
     // ImageMagick writes the tag into TIFF files; JPEG files get theirs from exiftool.
     const auto tiff = dir / "o.tif";
@@ -91,12 +56,13 @@ TEST(ExifOrientation, ReadFromJpegAndTiffFiles) {
     const auto jpeg = dir / "o.jpg";
     ASSERT_TRUE(lxtest::MagickMake("rose: JPEG:", jpeg));
     EXPECT_EQ(lx::ReadExifOrientation(lxtest::ReadFile(jpeg)), 0);
-    if (lxtest::Run("exiftool -q -Orientation#=8 -overwrite_original '" + jpeg.string() + "'") == 0) {
-        EXPECT_EQ(lx::ReadExifOrientation(lxtest::ReadFile(jpeg)), 8);
-    }
+    ASSERT_EQ(lxtest::Run("exiftool -q -Orientation#=8 -overwrite_original '" + jpeg.string() + "'"), 0);
+    EXPECT_EQ(lx::ReadExifOrientation(lxtest::ReadFile(jpeg)), 8);
     const std::vector<uint8_t> cut = {0xff, 0xd8, 0xff, 0xe1, 0x00, 0x40, 'E', 'x'};
     EXPECT_EQ(lx::ReadExifOrientation(cut), 0);
 }
+
+#endif
 
 TEST(ExifOrientation, EachValueMovesTheTopLeftCornerWhereItBelongs) {
     // A 3 x 2 picture with a marked top-left pixel; where the mark ends up after each turn.

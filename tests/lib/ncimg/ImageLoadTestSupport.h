@@ -33,14 +33,6 @@ struct Rgba {
 // ImageMagick's built-in photograph, cut to an odd size so row padding matters.
 inline const std::string kRose = "rose: -crop 37x23+5+7 +repage";
 
-inline bool HaveMagick() {
-    static const bool have = Run("convert -version >/dev/null 2>&1") == 0;
-    return have;
-}
-
-#define LX_REQUIRE_MAGICK() \
-    if (!lxtest::HaveMagick()) GTEST_SKIP() << "ImageMagick convert is not installed"
-
 // Runs "convert <arguments> <out>"; true when it succeeded and wrote the file. Arguments
 // ending in a format prefix such as "BMP3:" have it joined to the output name.
 inline bool MagickMake(std::string arguments, const std::filesystem::path& out) {
@@ -205,27 +197,6 @@ struct MagickCase {
     int tolerance = 0;      // per channel, for formats whose samples are scaled or converted
 };
 
-inline std::string CaseName(const ::testing::TestParamInfo<MagickCase>& info) { return info.param.name; }
-
-// The reader decodes the oracle's file to the oracle's pixels at the expected depth, and
-// refuses the same file cut short.
-inline void CheckReadsMagickFile(const Reader& read, const MagickCase& c) {
-    lxtest::ScratchDir dir(std::string("read-") + c.name);
-    // The file is named after its format ("BMP3:" gives in.bmp), which is how ImageMagick
-    // tells formats without a signature (Targa) when it reads the file back.
-    std::string ext = c.arguments.substr(c.arguments.rfind(' ') + 1);
-    while (!ext.empty() && (ext.back() == ':' || (ext.back() >= '0' && ext.back() <= '9'))) ext.pop_back();
-    for (char& ch : ext) ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
-    const auto file = dir / ("in." + ext);
-    ASSERT_TRUE(MagickMake(c.arguments, file)) << c.arguments;
-    const auto bytes = ReadFile(file);
-    const auto dib = read(bytes);
-    ASSERT_TRUE(dib) << c.arguments;
-    EXPECT_EQ(dib->bitCount(), c.bitCount);
-    EXPECT_TRUE(SamePixels(*dib, OracleRead(file), c.tolerance)) << c.arguments;
-    EXPECT_TRUE(FailsWhenTruncated(read, bytes)) << c.arguments;
-}
-
 // What we write, the oracle reads back as the same pixels. `prefix` names the format for
 // ImageMagick when the extension alone does not ("SGI:").
 inline void CheckMagickReadsWhatWeWrote(const Encoder& encode, const lx::PackedDib& dib, const std::string& leaf,
@@ -251,8 +222,6 @@ struct DibCase {
     const char* name;
     lx::PackedDib (*make)();
 };
-
-inline std::string DibCaseName(const ::testing::TestParamInfo<DibCase>& info) { return info.param.name; }
 
 inline const DibCase kRgbCase{"rgb", [] { return SyntheticRgb(); }};
 inline const DibCase kRgbaCase{"rgba", [] { return SyntheticRgba(); }};

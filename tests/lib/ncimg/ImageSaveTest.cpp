@@ -1,4 +1,3 @@
-#include "AtomicFile.h"
 #include "ImageLoadTestSupport.h"
 #include "ImageSave.h"
 #include "ImageSaveConvert.h"
@@ -9,34 +8,9 @@ using lx::PackedDib;
 
 namespace {
 
-struct SaveCase {
-    int type;
-    const char* leaf;
-    const char* magickPrefix;
-};
-
-class SaveByType : public ::testing::TestWithParam<SaveCase> {};
-
-TEST_P(SaveByType, WritesAFileTheOracleReads) {
-    LX_REQUIRE_MAGICK();
-    const SaveCase& c = GetParam();
-    lxtest::ScratchDir dir("save");
-    const PackedDib dib = lxtest::SyntheticPalette(8);
-    ASSERT_NE(lx::SaveImageByType(dir / c.leaf, dib, c.type), 0);
-    // Nothing is left beside the file.
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1);
-    EXPECT_TRUE(lxtest::SamePixels(dib, lxtest::OracleRead(dir / c.leaf, c.magickPrefix)));
-}
-
-INSTANTIATE_TEST_SUITE_P(Types, SaveByType,
-                         ::testing::Values(SaveCase{1, "a.bmp", ""}, SaveCase{3, "a.gif", ""}, SaveCase{4, "a.tif", ""},
-                                           SaveCase{5, "a.tga", ""}, SaveCase{6, "a.pcx", ""}, SaveCase{9, "a.ras", ""},
-                                           SaveCase{10, "a.png", ""}, SaveCase{14, "a.sgi", "SGI:"},
-                                           SaveCase{17, "a.ppm", ""}),
-                         [](const auto& info) { return std::to_string(info.param.type); });
-
+#ifndef _WIN32
 TEST(ImageSave, JpegWithTheCallersRecord) {
-    LX_REQUIRE_MAGICK();
+    LX_REQUIRE_TOOLS("convert identify");
     lxtest::ScratchDir dir("save-jpeg");
     lx::JpegSaveRecord record;
     record.quality = 95;
@@ -46,9 +20,10 @@ TEST(ImageSave, JpegWithTheCallersRecord) {
     const lxtest::Rgba back = lxtest::OracleRead(dir / "a.jpg");
     ASSERT_EQ(back.width, 64);
     EXPECT_EQ(lxtest::Run("identify -format %[interlace] '" + (dir / "a.jpg").string() + "' | grep -q JPEG"), 0);
-    ASSERT_NE(lx::SaveImageByType(dir / "b.jpg", dib, 2), 0);
+    ASSERT_NE(lx::SaveImageByType(dir / "b.jpg", dib, lx::kImageJpeg), 0);
     EXPECT_EQ(lxtest::OracleRead(dir / "b.jpg").height, 32);
 }
+#endif
 
 TEST(ImageSave, JapaneseNamesWork) {
     lxtest::ScratchDir dir("save-jp");
@@ -63,26 +38,10 @@ TEST(ImageSave, UnwrittenFormatsAndEmptyImagesWriteNothing) {
     EXPECT_EQ(lx::SaveFlashPixFile(dir / "a.fpx", dib, 2, 90), 0);
     EXPECT_EQ(lx::SaveJpeg2000File(dir / "a.jp2", dib), 0);
     EXPECT_EQ(lx::SaveJpeg2000File(dir / "b.jp2", dib, 8), 0);
-    EXPECT_EQ(lx::SaveImageByType(dir / "a.fpx", dib, 23), 0);
+    EXPECT_EQ(lx::SaveImageByType(dir / "a.fpx", dib, lx::kImageFpx), 0);
     EXPECT_EQ(lx::SavePngFile(dir / "e.png", PackedDib()), 0);
     EXPECT_EQ(lx::SaveBmpFile(dir / "e.bmp", PackedDib()), 0);
     EXPECT_TRUE(std::filesystem::is_empty(dir.path()));
-}
-
-TEST(AtomicFile, ReplacesWholeOrLeavesTheOldFile) {
-    lxtest::ScratchDir dir("atomic");
-    const auto target = dir / "out.bin";
-    const std::vector<uint8_t> first = {1, 2, 3}, second = {4, 5};
-    ASSERT_TRUE(lx::WriteFileAtomically(target, first));
-    ASSERT_TRUE(lx::WriteFileAtomically(target, second));
-    EXPECT_EQ(lxtest::ReadFile(target), second);
-    // A folder that does not exist: nothing can be written, nothing is left behind.
-    EXPECT_FALSE(lx::WriteFileAtomically(dir / "no" / "such.bin", first));
-    // The target is a folder: the rename fails, the temporary file is removed.
-    std::filesystem::create_directory(dir / "taken");
-    EXPECT_FALSE(lx::WriteFileAtomically(dir / "taken", first));
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 2);
-    EXPECT_EQ(lxtest::ReadFile(target), second);
 }
 
 TEST(ConvertDepth, EveryDepthBecomesTheSamePictureAt24Bits) {

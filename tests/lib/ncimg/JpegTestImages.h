@@ -14,15 +14,6 @@
 
 namespace jpegtest {
 
-// The reference tools run on the build machine only; under Wine the tests that need them skip.
-inline bool HaveOracles() {
-#ifdef _WIN32
-    return false;
-#else
-    return lxtest::Run("command -v djpeg cjpeg identify >/dev/null 2>&1") == 0;
-#endif
-}
-
 // Smooth shading, a few textures and hard edges, plus mild deterministic noise: enough
 // like a photograph that the encoder's choices show up in size and error.
 inline lx::PackedDib MakePhoto(int width, int height, uint32_t seed = 1) {

@@ -6,26 +6,8 @@
 
 using lx::PackedDib;
 using lx::ReadPcx;
-using lxtest::kRose;
-using lxtest::MagickCase;
 
 namespace {
-
-class PcxReadsMagickFiles : public ::testing::TestWithParam<MagickCase> {};
-
-TEST_P(PcxReadsMagickFiles, PixelsMatchTheOracleAndCutFilesFail) {
-    LX_REQUIRE_MAGICK();
-    lxtest::CheckReadsMagickFile(ReadPcx, GetParam());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, PcxReadsMagickFiles,
-    ::testing::Values(MagickCase{"rgb24", kRose + " -type TrueColor PCX:", 24},
-                      MagickCase{"pal8", kRose + " -colors 100 -type Palette PCX:", 8},
-                      // ImageMagick stores black and white as 24-bit planes.
-                      MagickCase{"mono", kRose + " -monochrome PCX:", 24},
-                      MagickCase{"rgba", kRose + " -alpha set -channel A -fx 'i/w' +channel PCX:", 32}),
-    lxtest::CaseName);
 
 TEST(PcxReader, ReadsSixteenColourPlanes) {
     // 3x1 picture, 1 bit in 4 planes: colours 5 (planes 0 and 2), 10 (planes 1 and 3), 15.
@@ -58,20 +40,6 @@ TEST(PcxReader, RefusesInconsistentHeaders) {
     EXPECT_FALSE(ReadPcx(bad));
 }
 
-class PcxWriterOracle : public ::testing::TestWithParam<lxtest::DibCase> {};
-
-TEST_P(PcxWriterOracle, MagickReadsWhatWeWrote) {
-    LX_REQUIRE_MAGICK();
-    const PackedDib dib = GetParam().make();
-    lxtest::CheckMagickReadsWhatWeWrote(lx::EncodePcx, dib, "out.pcx");
-    lxtest::CheckRoundTrip(ReadPcx, lx::EncodePcx, dib);
-}
-
-INSTANTIATE_TEST_SUITE_P(Depths, PcxWriterOracle,
-                         ::testing::Values(lxtest::kRgbCase, lxtest::kGreyCase, lxtest::kPal8Case, lxtest::kPal4Case,
-                                           lxtest::kPal1Case),
-                         lxtest::DibCaseName);
-
 TEST(PcxWriter, BlackAndWhiteStaysOneBitPlane) {
     // ImageMagick 6.9 shows set bits of one-bit PCX files black whatever the header's
     // palette says; Pillow follows the palette (entry 1 white), as our reader does.
@@ -79,11 +47,13 @@ TEST(PcxWriter, BlackAndWhiteStaysOneBitPlane) {
     const std::vector<uint8_t> file = lx::EncodePcx(mono);
     EXPECT_EQ(file[3], 1);
     EXPECT_EQ(file[65], 1);
+    lxtest::CheckRoundTrip(ReadPcx, lx::EncodePcx, mono);
+#ifndef _WIN32
+    LX_REQUIRE_TOOLS("python3");
     lxtest::ScratchDir dir("pcx-mono");
     lxtest::WriteFile(dir / "mono.pcx", file);
-    lxtest::CheckRoundTrip(ReadPcx, lx::EncodePcx, mono);
-    LX_REQUIRE_MAGICK();  // the oracles run only where the reference tools do (not under Wine)
     EXPECT_TRUE(lxtest::SamePixels(mono, lxtest::PillowRead(dir / "mono.pcx")));
+#endif
 }
 
 }  // namespace

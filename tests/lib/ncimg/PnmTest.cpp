@@ -6,31 +6,10 @@
 
 using lx::PackedDib;
 using lx::ReadPnm;
-using lxtest::kRose;
-using lxtest::MagickCase;
 
 namespace {
 
 std::vector<uint8_t> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
-
-class PnmReadsMagickFiles : public ::testing::TestWithParam<MagickCase> {};
-
-TEST_P(PnmReadsMagickFiles, PixelsMatchTheOracleAndCutFilesFail) {
-    LX_REQUIRE_MAGICK();
-    lxtest::CheckReadsMagickFile(ReadPnm, GetParam());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, PnmReadsMagickFiles,
-    ::testing::Values(MagickCase{"p6", kRose + " PPM:", 24}, MagickCase{"p5", kRose + " -colorspace Gray PGM:", 8},
-                      MagickCase{"p4", kRose + " -monochrome PBM:", 1},
-                      MagickCase{"p3", kRose + " -compress none PPM:", 24},
-                      MagickCase{"p2", kRose + " -colorspace Gray -compress none PGM:", 8},
-                      MagickCase{"p1", kRose + " -monochrome -compress none PBM:", 1},
-                      // Sixteen-bit samples may round either way to eight bits.
-                      MagickCase{"p6deep", kRose + " -depth 16 PPM:", 24, 1},
-                      MagickCase{"p5deep", kRose + " -colorspace Gray -depth 16 PGM:", 8, 1}),
-    lxtest::CaseName);
 
 TEST(PnmReader, TextFormsWithCommentsOddMaxvalAndPackedBits) {
     const auto grey = ReadPnm(Bytes("P2 # a comment\n3 1\n# another\n10\n0 5 10\n"));
@@ -52,19 +31,6 @@ TEST(PnmReader, RefusesBadHeaders) {
     EXPECT_FALSE(ReadPnm(Bytes("P3\n1 1\n255\n1 2 x\n")));        // not a number
     EXPECT_FALSE(ReadPnm(Bytes("P7\n1 1\n255\n")));               // not a kind we read
 }
-
-class PnmWriterOracle : public ::testing::TestWithParam<lxtest::DibCase> {};
-
-TEST_P(PnmWriterOracle, MagickReadsWhatWeWrote) {
-    LX_REQUIRE_MAGICK();
-    const PackedDib dib = GetParam().make();
-    lxtest::CheckMagickReadsWhatWeWrote(lx::EncodePnm, dib, "out.pnm");
-    lxtest::CheckRoundTrip(ReadPnm, lx::EncodePnm, dib);
-}
-
-INSTANTIATE_TEST_SUITE_P(Depths, PnmWriterOracle,
-                         ::testing::Values(lxtest::kRgbCase, lxtest::kGreyCase, lxtest::kPal8Case, lxtest::kPal1Case),
-                         lxtest::DibCaseName);
 
 TEST(PnmWriter, GreyImagesBecomeGreyMaps) {
     EXPECT_EQ(lx::EncodePnm(lxtest::SyntheticGrey())[1], '5');

@@ -4,28 +4,8 @@
 #include <gtest/gtest.h>
 
 using lx::ReadPsd;
-using lxtest::kRose;
-using lxtest::MagickCase;
 
 namespace {
-
-class PsdReadsMagickFiles : public ::testing::TestWithParam<MagickCase> {};
-
-TEST_P(PsdReadsMagickFiles, PixelsMatchTheOracleAndCutFilesFail) {
-    LX_REQUIRE_MAGICK();
-    lxtest::CheckReadsMagickFile(ReadPsd, GetParam());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, PsdReadsMagickFiles,
-    ::testing::Values(MagickCase{"rgbrle", kRose + " -compress RLE PSD:", 24},
-                      MagickCase{"rgbraw", kRose + " -compress none PSD:", 24},
-                      MagickCase{"grey", kRose + " -colorspace Gray -type Grayscale PSD:", 8},
-                      MagickCase{"indexed", kRose + " -colors 50 -type Palette PSD:", 8},
-                      MagickCase{"rgba", kRose + " -alpha set -channel A -fx 'i/w' +channel PSD:", 32},
-                      MagickCase{"deep", kRose + " -depth 16 PSD:", 24, 1},
-                      MagickCase{"cmyk", kRose + " -colorspace CMYK PSD:", 24, 2}),
-    lxtest::CaseName);
 
 TEST(PsdReader, RefusesOtherVersionsModesAndDepths) {
     std::vector<uint8_t> head = {'8', 'B', 'P', 'S', 0, 1, 0, 0, 0, 0, 0, 0, 0, 3, 0, 0, 0, 1, 0, 0, 0, 1, 0, 8, 0, 3};

@@ -6,29 +6,8 @@
 
 using lx::PackedDib;
 using lx::ReadSgi;
-using lxtest::kRose;
-using lxtest::MagickCase;
 
 namespace {
-
-class SgiReadsMagickFiles : public ::testing::TestWithParam<MagickCase> {};
-
-TEST_P(SgiReadsMagickFiles, PixelsMatchTheOracleAndCutFilesFail) {
-    LX_REQUIRE_MAGICK();
-    lxtest::CheckReadsMagickFile(ReadSgi, GetParam());
-}
-
-const std::string kAlpha = " -alpha set -channel A -fx 'i/w' +channel";
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, SgiReadsMagickFiles,
-    ::testing::Values(MagickCase{"rle", kRose + " -compress RLE SGI:", 24},
-                      MagickCase{"verbatim", kRose + " -compress none SGI:", 24},
-                      MagickCase{"grey", kRose + " -colorspace Gray -type Grayscale SGI:", 8},
-                      MagickCase{"rgba", kRose + kAlpha + " SGI:", 32},
-                      MagickCase{"deep", kRose + " -depth 16 -compress RLE SGI:", 24},
-                      MagickCase{"deepverbatim", kRose + " -depth 16 -compress none SGI:", 24}),
-    lxtest::CaseName);
 
 TEST(SgiWriter, RowsUseRepeatsAndLiteralsAndEndWithZero) {
     const uint8_t row[] = {1, 2, 3, 7, 7, 7, 7, 9};
@@ -53,19 +32,5 @@ TEST(SgiReader, RefusesRowsThatOverflowOrPointOutside) {
     bad[rowAt] = 0x7f;  // a run longer than the row
     EXPECT_FALSE(ReadSgi(bad));
 }
-
-class SgiWriterOracle : public ::testing::TestWithParam<lxtest::DibCase> {};
-
-TEST_P(SgiWriterOracle, MagickReadsWhatWeWrote) {
-    LX_REQUIRE_MAGICK();
-    const PackedDib dib = GetParam().make();
-    lxtest::CheckMagickReadsWhatWeWrote(lx::EncodeSgi, dib, "out.sgi", 0, "SGI:");
-    lxtest::CheckRoundTrip(ReadSgi, lx::EncodeSgi, dib);
-}
-
-INSTANTIATE_TEST_SUITE_P(Depths, SgiWriterOracle,
-                         ::testing::Values(lxtest::kRgbCase, lxtest::kRgbaCase, lxtest::kGreyCase, lxtest::kPal8Case,
-                                           lxtest::kPal1Case),
-                         lxtest::DibCaseName);
 
 }  // namespace

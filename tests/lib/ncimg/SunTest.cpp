@@ -6,28 +6,8 @@
 
 using lx::PackedDib;
 using lx::ReadSun;
-using lxtest::kRose;
-using lxtest::MagickCase;
 
 namespace {
-
-class SunReadsMagickFiles : public ::testing::TestWithParam<MagickCase> {};
-
-TEST_P(SunReadsMagickFiles, PixelsMatchTheOracleAndCutFilesFail) {
-    LX_REQUIRE_MAGICK();
-    lxtest::CheckReadsMagickFile(ReadSun, GetParam());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, SunReadsMagickFiles,
-    ::testing::Values(MagickCase{"rgb24", kRose + " -type TrueColor SUN:", 24},
-                      MagickCase{"rle24", kRose + " -type TrueColor -compress RLE SUN:", 24},
-                      MagickCase{"pal8", kRose + " -colors 100 -type Palette SUN:", 8},
-                      MagickCase{"rlepal8", kRose + " -colors 100 -type Palette -compress RLE SUN:", 8},
-                      // ImageMagick stores black and white as 24-bit RGB (type 3).
-                      MagickCase{"mono", kRose + " -monochrome SUN:", 24},
-                      MagickCase{"rgba", kRose + " -alpha set -channel A -fx 'i/w' +channel SUN:", 32}),
-    lxtest::CaseName);
 
 TEST(SunReader, RunsWithEscapedMarkerAndRgbOrder) {
     // 3x1, 24 bits, type 3 (RGB order), byte-run encoded: 0x80 0x00 is a literal 0x80.
@@ -49,19 +29,5 @@ TEST(SunReader, RunsWithEscapedMarkerAndRgbOrder) {
     ASSERT_TRUE(rgb);
     EXPECT_EQ(rgb->pixel(0, 0), 0xff010203u);
 }
-
-class SunWriterOracle : public ::testing::TestWithParam<lxtest::DibCase> {};
-
-TEST_P(SunWriterOracle, MagickReadsWhatWeWrote) {
-    LX_REQUIRE_MAGICK();
-    const PackedDib dib = GetParam().make();
-    lxtest::CheckMagickReadsWhatWeWrote(lx::EncodeSun, dib, "out.ras");
-    lxtest::CheckRoundTrip(ReadSun, lx::EncodeSun, dib);
-}
-
-INSTANTIATE_TEST_SUITE_P(Depths, SunWriterOracle,
-                         ::testing::Values(lxtest::kRgbCase, lxtest::kGreyCase, lxtest::kPal8Case, lxtest::kPal4Case,
-                                           lxtest::kPal1Case, lxtest::kMonoCase),
-                         lxtest::DibCaseName);
 
 }  // namespace

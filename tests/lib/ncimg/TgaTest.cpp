@@ -6,30 +6,8 @@
 
 using lx::PackedDib;
 using lx::ReadTga;
-using lxtest::kRose;
-using lxtest::MagickCase;
 
 namespace {
-
-class TgaReadsMagickFiles : public ::testing::TestWithParam<MagickCase> {};
-
-TEST_P(TgaReadsMagickFiles, PixelsMatchTheOracleAndCutFilesFail) {
-    LX_REQUIRE_MAGICK();
-    lxtest::CheckReadsMagickFile(ReadTga, GetParam());
-}
-
-const std::string kAlpha = " -alpha set -channel A -fx 'i/w' +channel";
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, TgaReadsMagickFiles,
-    ::testing::Values(MagickCase{"rgb24", kRose + " -type TrueColor TGA:", 24},
-                      MagickCase{"rle24", kRose + " -type TrueColor -compress RLE TGA:", 24},
-                      MagickCase{"mapped", kRose + " -colors 100 -type Palette TGA:", 8},
-                      MagickCase{"rlemapped", kRose + " -colors 100 -type Palette -compress RLE TGA:", 8},
-                      MagickCase{"grey", kRose + " -colorspace Gray -type Grayscale TGA:", 8},
-                      MagickCase{"rgba", kRose + kAlpha + " TGA:", 32},
-                      MagickCase{"rlergba", kRose + kAlpha + " -compress RLE TGA:", 32}),
-    lxtest::CaseName);
 
 TEST(TgaReader, AllFourOriginsGiveTheSamePicture) {
     const PackedDib rgb = lxtest::SyntheticRgb(5, 3);
@@ -68,19 +46,5 @@ TEST(TgaReader, HeaderCheckAndFooter) {
     file.insert(file.end(), footer, footer + sizeof footer);
     EXPECT_TRUE(lx::HasTgaFooter(file));
 }
-
-class TgaWriterOracle : public ::testing::TestWithParam<lxtest::DibCase> {};
-
-TEST_P(TgaWriterOracle, MagickReadsWhatWeWrote) {
-    LX_REQUIRE_MAGICK();
-    const PackedDib dib = GetParam().make();
-    lxtest::CheckMagickReadsWhatWeWrote(lx::EncodeTga, dib, "out.tga");
-    lxtest::CheckRoundTrip(ReadTga, lx::EncodeTga, dib);
-}
-
-INSTANTIATE_TEST_SUITE_P(Depths, TgaWriterOracle,
-                         ::testing::Values(lxtest::kRgbCase, lxtest::kRgbaCase, lxtest::kGreyCase, lxtest::kPal8Case,
-                                           lxtest::kPal4Case, lxtest::kPal1Case),
-                         lxtest::DibCaseName);
 
 }  // namespace

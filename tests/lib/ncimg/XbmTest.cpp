@@ -4,17 +4,10 @@
 #include <gtest/gtest.h>
 
 using lx::ReadXbm;
-using lxtest::kRose;
-using lxtest::MagickCase;
 
 namespace {
 
 std::vector<uint8_t> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
-
-TEST(XbmReader, ReadsMagickBitmaps) {
-    LX_REQUIRE_MAGICK();
-    lxtest::CheckReadsMagickFile(ReadXbm, MagickCase{"mono", kRose + " -monochrome XBM:", 1});
-}
 
 TEST(XbmReader, ReadsBitsLeastSignificantFirstInBothFlavours) {
     const auto x11 = ReadXbm(Bytes("#define t_width 10\n#define t_height 1\nstatic char t_bits[] = { 0x05, 0x02 };\n"));

@@ -6,27 +6,10 @@
 #include <cstdio>
 
 using lx::ReadXpm;
-using lxtest::kRose;
-using lxtest::MagickCase;
 
 namespace {
 
 std::vector<uint8_t> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
-
-class XpmReadsMagickFiles : public ::testing::TestWithParam<MagickCase> {};
-
-TEST_P(XpmReadsMagickFiles, PixelsMatchTheOracleAndCutFilesFail) {
-    LX_REQUIRE_MAGICK();
-    lxtest::CheckReadsMagickFile(ReadXpm, GetParam());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, XpmReadsMagickFiles,
-    ::testing::Values(MagickCase{"pal", kRose + " -colors 60 XPM:", 8},
-                      // ImageMagick's pixmaps hold at most 256 colours (224 here).
-                      MagickCase{"rose", kRose + " XPM:", 8},
-                      MagickCase{"transparent", kRose + " -colors 30 -alpha set -channel A -fx 'i<w/2?0:1' +channel XPM:", 32}),
-    lxtest::CaseName);
 
 TEST(XpmReader, ColoursByNameHexAndNone) {
     const auto dib = ReadXpm(Bytes("/* XPM */\nstatic char *x[] = {\n\"4 1 4 2\",\n"

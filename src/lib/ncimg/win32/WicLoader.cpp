@@ -267,7 +267,7 @@ std::vector<uint8_t> OrientationBytes(const std::filesystem::path& path, int typ
     std::vector<uint8_t> bytes;
     if (!in) return bytes;
     constexpr size_t kJpegHead = 1 << 20;
-    if (type == 2) {
+    if (type == kImageJpeg) {
         bytes.resize(kJpegHead);
         in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
         bytes.resize(static_cast<size_t>(in.gcount()));
@@ -290,7 +290,7 @@ std::optional<PackedDib> LoadWithSystemCodec(const std::filesystem::path& path, 
     if (!error && SUCCEEDED(factory->CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
                                                                WICDecodeMetadataCacheOnDemand, decoder.out())))
         dib = DecodeFrame(factory.get(), decoder.get(), fileBytes);
-    if (dib && (type == 2 || type == 4)) {
+    if (dib && (type == kImageJpeg || type == kImageTiff)) {
         const int orientation = ReadExifOrientation(OrientationBytes(path, type));
         if (!OrientUpright(*dib, orientation)) return std::nullopt;
     }
@@ -302,7 +302,7 @@ std::optional<PackedDib> DecodeWithSystemCodec(std::span<const uint8_t> encoded,
     ComPtr<IWICImagingFactory> factory;
     if (!com.usable() || !CreateFactory(factory)) return std::nullopt;
     auto dib = DecodeStream(factory.get(), encoded);
-    if (dib && (type == 2 || type == 4) && !OrientUpright(*dib, ReadExifOrientation(encoded))) return std::nullopt;
+    if (dib && (type == kImageJpeg || type == kImageTiff) && !OrientUpright(*dib, ReadExifOrientation(encoded))) return std::nullopt;
     return dib;
 }
 
