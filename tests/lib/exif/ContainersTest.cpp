@@ -8,34 +8,16 @@
 #include "ExifTestSupport.h"
 
 using namespace lxtest;
-using lx::ShootingTime;
 
 namespace {
-
-constexpr uint16_t kExifIfd = 0x8769, kDateTimeOriginal = 0x9003;
-
-Bytes TiffWithDate(bool bigEndian, uint16_t magic, const std::string& date) {
-    TiffBuilder t(bigEndian, magic);
-    const int ifd0 = t.addIfd(), exif = t.addIfd();
-    t.addAscii(ifd0, 0x10F, "Maker");
-    t.addAscii(ifd0, 0x110, "Model X");
-    t.addIfdPointer(ifd0, kExifIfd, exif);
-    t.addAscii(exif, kDateTimeOriginal, date);
-    return t.build();
-}
 
 void PutBe32(Bytes& b, size_t at, uint32_t v) {
     b[at] = uint8_t(v >> 24), b[at + 1] = uint8_t(v >> 16), b[at + 2] = uint8_t(v >> 8), b[at + 3] = uint8_t(v);
 }
 
-std::optional<ShootingTime> TimeOf(const Bytes& file) {
-    lx::MemorySource source(file);
-    return lx::ReadShootingTime(source);
-}
-
 // A JPEG carrying Exif with a shooting time, as a camera writes one into its raw files.
 Bytes ExifJpeg(uint16_t width, uint16_t height, const std::string& date) {
-    return JpegWithExif(TiffWithDate(false, 42, date), FrameJpeg(width, height));
+    return JpegWithExif(TiffWithDate(date), FrameJpeg(width, height));
 }
 
 }  // namespace
@@ -43,13 +25,13 @@ Bytes ExifJpeg(uint16_t width, uint16_t height, const std::string& date) {
 TEST(Containers, OrfMagicNumbersInBothByteOrders) {
     for (uint16_t magic : {lx::kOrfMagic, lx::kOrfMagicS})
         for (bool big : {false, true}) {
-            auto t = TimeOf(TiffWithDate(big, magic, "2018:06:07 08:09:10"));
+            auto t = TimeOf(TiffWithDate("2018:06:07 08:09:10", big, magic));
             ASSERT_TRUE(t) << magic << big;
             EXPECT_EQ(t->year, 2018);
             EXPECT_EQ(t->second, 10);
         }
     // Any other magic number is not a TIFF structure.
-    EXPECT_FALSE(TimeOf(TiffWithDate(false, 43, "2018:06:07 08:09:10")));
+    EXPECT_FALSE(TimeOf(TiffWithDate("2018:06:07 08:09:10", false, 43)));
 }
 
 TEST(Containers, Rw2KeepsItsShootingDataInTheEmbeddedPreview) {
@@ -98,7 +80,7 @@ TEST(Containers, RafWrapsAJpegThatIsAlsoThePreview) {
 }
 
 TEST(Containers, MrwHoldsATiffStructureInItsTtwBlock) {
-    const Bytes tiff = TiffWithDate(true, 42, "2005:01:02 03:04:05");
+    const Bytes tiff = TiffWithDate("2005:01:02 03:04:05", true);
     Bytes file = {0, 'M', 'R', 'M', 0, 0, 0, 0, 0, 'P', 'R', 'D', 0, 0, 0, 4, 1, 2, 3, 4, 0, 'T', 'T', 'W', 0, 0, 0, 0};
     PutBe32(file, 24, static_cast<uint32_t>(tiff.size()));
     file.insert(file.end(), tiff.begin(), tiff.end());

@@ -1,14 +1,14 @@
 // Test support for the Exif reader: a small TIFF structure builder (either byte order,
 // any magic number) for crafted files, a frame-only JPEG maker, and (native builds only)
-// wrappers around the outside tools that make and check real files (convert, exiftool).
+// wrappers around the outside tools that make real files (convert, exiftool).
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
-#include <map>
 #include <string>
 #include <vector>
 
+#include "ExifReader.h"
 #include "TestFiles.h"
 
 namespace lxtest {
@@ -164,17 +164,23 @@ inline Bytes FrameJpeg(uint16_t width, uint16_t height, uint8_t shade = 0, uint8
             0xFF, 0xDA, 0x00, 0x02, shade, 0xFF, 0xD9};                                    // SOS, data, EOI
 }
 
-#ifndef _WIN32
-// Output of a shell command, trailing newline removed.
-inline std::string Capture(const std::string& command, const std::filesystem::path& scratch) {
-    const auto out = scratch / "capture.txt";
-    Run(command + " > '" + out.string() + "' 2>/dev/null");
-    Bytes b = ReadFile(out);
-    std::string s(b.begin(), b.end());
-    while (!s.empty() && (s.back() == '\n' || s.back() == '\r')) s.pop_back();
-    return s;
+// A TIFF structure with a make and model in IFD0 and `date` as DateTimeOriginal in its Exif IFD.
+inline Bytes TiffWithDate(const std::string& date, bool bigEndian = false, uint16_t magic = 42) {
+    TiffBuilder t(bigEndian, magic);
+    const int ifd0 = t.addIfd(), exif = t.addIfd();
+    t.addAscii(ifd0, 0x10F, "Maker");
+    t.addAscii(ifd0, 0x110, "Model X");
+    t.addIfdPointer(ifd0, 0x8769, exif);
+    t.addAscii(exif, 0x9003, date);
+    return t.build();
 }
 
+inline std::optional<lx::ShootingTime> TimeOf(const Bytes& file) {
+    lx::MemorySource source(file);
+    return lx::ReadShootingTime(source);
+}
+
+#ifndef _WIN32
 // A JPEG picture made by ImageMagick (a solid colour, `width` x `height`).
 inline Bytes MakeJpeg(const std::filesystem::path& scratch, int width, int height, const std::string& colour = "red") {
     const auto file = scratch / ("pic" + std::to_string(width) + "x" + std::to_string(height) + ".jpg");
@@ -186,21 +192,6 @@ inline Bytes MakeJpeg(const std::filesystem::path& scratch, int width, int heigh
 // Runs exiftool over a file in place with the given tag assignments.
 inline int ExifTool(const std::string& args, const std::filesystem::path& file) {
     return Run("exiftool -q -q -m -overwrite_original " + args + " '" + file.string() + "' >/dev/null 2>&1");
-}
-
-// Every tag exiftool finds in a file, by name, in one run ("Name: value" lines; `numeric` adds -n).
-inline std::map<std::string, std::string> ExifToolAll(const std::filesystem::path& file,
-                                                      const std::filesystem::path& scratch, bool numeric) {
-    std::map<std::string, std::string> tags;
-    const std::string text =
-        Capture(std::string("exiftool -s2 ") + (numeric ? "-n " : "") + "'" + file.string() + "'", scratch) + "\n";
-    size_t at = 0;
-    for (size_t end; (end = text.find('\n', at)) != std::string::npos; at = end + 1) {
-        const std::string line = text.substr(at, end - at);
-        const size_t colon = line.find(": ");
-        if (colon != std::string::npos) tags.emplace(line.substr(0, colon), line.substr(colon + 2));
-    }
-    return tags;
 }
 #endif
 
