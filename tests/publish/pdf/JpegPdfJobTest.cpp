@@ -66,12 +66,6 @@ TEST(JpegPdfJob, PdfExtensionIsAppendedUnlessAlreadyThereInAnyCase) {
     for (const auto& [in, out] : cases) EXPECT_EQ(lx::WithPdfExtension(in), out);
 }
 
-TEST(JpegPdfJob, KeepsOnlyProbedJpegsInListOrder) {
-    const std::vector<fs::path> files = {"z.jpg", "b.png", "a.jpg", "c.gif", "m.jpg"};
-    const auto kept = lx::KeepJpegFiles(files, ProbeByName);
-    EXPECT_EQ(kept, (std::vector<fs::path>{"z.jpg", "a.jpg", "m.jpg"}));
-}
-
 TEST(JpegPdfJob, NoJpegShowsMessage4140AndWritesNothing) {
     lxtest::ScratchDir dir("jobnone");
     RecordingSink sink;
@@ -100,17 +94,23 @@ TEST(JpegPdfJob, Over256JpegsRefusesTheWholeRun) {
     RecordingSink accepted;
     EXPECT_EQ(lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), files, ProbeByName, accepted), lx::JpegPdfResult::kWritten);
     EXPECT_TRUE(accepted.messages.empty());
-    EXPECT_NE(pdftest::ReadText(dir / "o.pdf").find("/Count 256>>"), std::string::npos);
+    // The catalog is the last of the 1283 objects; the tail text has room for all of them.
+    const std::string pdf = pdftest::ReadText(dir / "o.pdf");
+    EXPECT_NE(pdf.find("1278 0 R] /Count 256>>"), std::string::npos);
+    EXPECT_NE(pdf.find("trailer\r\n<</Root 1282 0 R /Size 1283>>\r\n"), std::string::npos);
+    pdftest::ExpectQpdfAccepts(dir / "o.pdf");
 }
 
-TEST(JpegPdfJob, ReportsEachFileNameOnLineTwoAndNeverAsksAboutCancelling) {
+TEST(JpegPdfJob, ReportsEachJpegNameOnLineTwoAndNeverAsksAboutCancelling) {
     lxtest::ScratchDir dir("jobprogress");
     const fs::path a = dir / "first.jpg";
     const fs::path b = dir / "second.jpg";
     pdftest::WriteFrameOnlyJpeg(a, 16, 8, 3, 100);
     pdftest::WriteFrameOnlyJpeg(b, 8, 16, 3, 100, 0xC9);
     RecordingSink sink;
-    EXPECT_EQ(lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), {a, b}, ProbeByName, sink), lx::JpegPdfResult::kWritten);
+    // Only probed JPEG files are kept, in list order.
+    const std::vector<fs::path> files = {a, dir / "c.png", b};
+    EXPECT_EQ(lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), files, ProbeByName, sink), lx::JpegPdfResult::kWritten);
     EXPECT_EQ(sink.events, (std::vector<std::wstring>{L"start T | L", L"line2 first.jpg", L"line2 second.jpg", L"end"}));
     EXPECT_EQ(sink.cancelQueries, 0);
     // The arithmetic-coded file passed the probe but has no page.
@@ -155,8 +155,10 @@ TEST(JpegPdfJob, FileVanishingBeforeTheCopyLeavesATruncatedDocument) {
     };
     RecordingSink sink;
     EXPECT_EQ(lx::RunJpegPdfTool(job, {a, b}, ProbeByName, sink), lx::JpegPdfResult::kTruncated);
+    // Page 1 complete, then the head of page 2's image object and nothing more.
     const std::string pdf = pdftest::ReadText(dir / "o.pdf");
-    EXPECT_EQ(pdf.substr(pdf.size() - 12), ">>\r\nstream\r\n");
+    EXPECT_NE(pdf.rfind("\r\n7 0 obj\r\n"), std::string::npos);
+    EXPECT_EQ(pdf.substr(pdf.size() - 23), "/Length 100>>\r\nstream\r\n");
     EXPECT_EQ(pdf.find("trailer"), std::string::npos);
     EXPECT_TRUE(sink.messages.empty());
 }
