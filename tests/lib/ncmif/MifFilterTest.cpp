@@ -98,14 +98,6 @@ TEST(MifNormalize, FlatOrOneLevelImagesAreLeftAlone) {
     EXPECT_FALSE(tiny.normalize(&outside));
 }
 
-TEST(MifNormalize, EveryFormatWorks) {
-    for (const Format& f : AllFormats()) {
-        mif image(Pattern(9, 5, f));
-        ASSERT_TRUE(image.normalize(nullptr)) << f.name();
-        EXPECT_TRUE(WellFormed(image.dib()));
-    }
-}
-
 TEST(MifBlur, FlatAreasStayFlatAndNothingOutsideTheRectangleChanges) {
     const PackedDib photo = Photo(40, 30);
     mif image(photo);
@@ -145,18 +137,12 @@ TEST(MifBlur, APointSpreadsIntoASymmetricBellThatKeepsItsEnergy) {
     EXPECT_EQ(out.row(0)[0], 0);
 }
 
-TEST(MifBlur, ZeroRadiusChangesNothingAndEveryFormatWorks) {
+TEST(MifBlur, ZeroRadiusChangesNothing) {
     const PackedDib photo = Photo(6, 4);
     mif image(photo);
     EXPECT_TRUE(image.blur_gauss_rle(nullptr, 0));
     EXPECT_TRUE(image.blur_gauss_rle(nullptr, -3));
     EXPECT_EQ(image.dib().bytes(), photo.bytes());
-    for (const Format& f : AllFormats())
-        for (auto [w, h] : {std::pair{1, 1}, {5, 3}}) {
-            mif any(Pattern(w, h, f));
-            ASSERT_TRUE(any.blur_gauss_rle(nullptr, 2.5)) << f.name();
-            EXPECT_TRUE(WellFormed(any.dib()));
-        }
 }
 
 #ifndef _WIN32

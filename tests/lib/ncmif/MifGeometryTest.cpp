@@ -10,37 +10,29 @@ using namespace miftest;
 
 class MifGeometry : public ::testing::TestWithParam<Format> {};
 
-TEST_P(MifGeometry, RotateLeftThenRightRestoresExactly) {
-    for (auto [w, h] : {std::pair{7, 5}, {1, 1}, {1, 9}, {33, 2}}) {
+TEST_P(MifGeometry, RotateMovesEveryPixelTheRightWay) {
+    for (auto [w, h] : {std::pair{5, 3}, {1, 1}, {1, 9}, {33, 2}}) {
         const PackedDib original = Pattern(w, h, GetParam());
-        mif image(original);
-        ASSERT_TRUE(image.rotate(1));
-        EXPECT_EQ(image.width(), h);
-        EXPECT_EQ(image.height(), w);
-        EXPECT_TRUE(WellFormed(image.dib()));
-        ASSERT_TRUE(image.rotate(0));
-        EXPECT_EQ(image.dib().bytes(), original.bytes()) << w << "x" << h;
-        ASSERT_TRUE(image.rotate(2));
-        ASSERT_TRUE(image.rotate(2));
-        EXPECT_EQ(image.dib().bytes(), original.bytes());
+        mif right(original), left(original), half(original);
+        ASSERT_TRUE(right.rotate(0));
+        ASSERT_TRUE(left.rotate(1));
+        ASSERT_TRUE(half.rotate(2));
+        ASSERT_EQ(right.width(), h);
+        ASSERT_EQ(left.height(), w);
+        EXPECT_TRUE(WellFormed(right.dib()) && WellFormed(left.dib()) && WellFormed(half.dib()));
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                const uint32_t c = original.pixel(x, y);
+                ASSERT_EQ(right.dib().pixel(h - 1 - y, x), c) << w << "x" << h;  // clockwise: top row becomes right column
+                ASSERT_EQ(left.dib().pixel(y, w - 1 - x), c) << w << "x" << h;   // counter-clockwise: top row becomes left column
+                ASSERT_EQ(half.dib().pixel(w - 1 - x, h - 1 - y), c) << w << "x" << h;
+            }
+        ASSERT_TRUE(left.rotate(0));  // the padding bits of the last byte of each row come back clean
+        EXPECT_EQ(left.dib().bytes(), original.bytes());
     }
-}
-
-TEST_P(MifGeometry, RotateMovesCornersTheRightWay) {
-    const PackedDib original = Pattern(5, 3, GetParam());
-    mif right(original), left(original), half(original);
-    ASSERT_TRUE(right.rotate(0));
-    ASSERT_TRUE(left.rotate(1));
-    ASSERT_TRUE(half.rotate(2));
-    for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 5; ++x) {
-            const uint32_t c = original.pixel(x, y);
-            EXPECT_EQ(right.dib().pixel(3 - 1 - y, x), c);  // clockwise: top row becomes right column
-            EXPECT_EQ(left.dib().pixel(y, 5 - 1 - x), c);   // counter-clockwise: top row becomes left column
-            EXPECT_EQ(half.dib().pixel(5 - 1 - x, 3 - 1 - y), c);
-        }
-    EXPECT_FALSE(half.rotate(3));
-    EXPECT_FALSE(half.rotate(-1));
+    mif image(Pattern(2, 2, GetParam()));
+    EXPECT_FALSE(image.rotate(3));
+    EXPECT_FALSE(image.rotate(-1));
 }
 
 TEST_P(MifGeometry, FlipAndMirrorTwiceRestoreAndStayInTheirRectangle) {

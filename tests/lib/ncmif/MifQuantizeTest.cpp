@@ -53,15 +53,6 @@ TEST(MifQuantize, NeverMoreColoursThanAskedAndCountColorsAgrees) {
         }
 }
 
-TEST(MifQuantize, TwentyFourBitTo256NearestGivesAnEightBitImageCloseToTheOriginal) {
-    const PackedDib photo = Photo(200, 150);
-    mif image(photo);
-    ASSERT_TRUE(image.quantize(256, lx::kQuantizeNearest, nullptr));
-    EXPECT_EQ(image.depth(), 8);
-    EXPECT_EQ(image.palette().size(), 256u);
-    EXPECT_LT(MeanAbsDifference(image.dib(), photo), 6.0);
-}
-
 #ifndef _WIN32
 TEST(MifQuantizeOracle, PaletteIsAtLeastAsGoodAsImageMagicks) {
     LX_REQUIRE_TOOLS("convert");

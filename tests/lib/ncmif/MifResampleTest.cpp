@@ -28,7 +28,6 @@ TEST(MifZoom, HighQualityReductionKeepsTheMeanLevel) {
     EXPECT_EQ(image.height(), 66);
     for (int shift : {0, 8, 16}) EXPECT_NEAR(ChannelMean(image.dib(), shift), ChannelMean(photo, shift), 1.0) << shift;
     // Down to one pixel, area averaging gives exactly the mean.
-    ASSERT_TRUE(image.zoom(1, 1, lx::kZoomHighQuality, 0));
     mif one(photo);
     ASSERT_TRUE(one.zoom(1, 1, lx::kZoomHighQuality, 0));
     EXPECT_NEAR(one.dib().pixel(0, 0) & 0xff, ChannelMean(photo, 0), 1.0);
