@@ -5,10 +5,25 @@
 namespace lx {
 namespace {
 
-TEST(RenameChoices, PacksOneByteEachInItemOrder) {
+TEST(RenameChoices, PackOneByteEachInItemOrderAndUnpackClamped) {
     EXPECT_EQ(PackRenameChoices({1, 0, 7, 2}), 0x02070001u);
     EXPECT_EQ(PackRenameChoices({10, 9, 8, 3}), 0x0308090Au);
-    EXPECT_EQ(PackRenameChoices({}), 0u);
+    const struct {
+        uint32_t stored;
+        RenameChoices expected;
+    } cases[] = {
+        {0, {}},
+        {0x0308090Au, {10, 9, 8, 3}},
+        {0x01000B0Bu, {10, 10, 0, 1}},  // the old name item (11) comes back as the four-digit counter
+        // Out of range: 0x7F is the largest positive byte, 0x80 and above read as negative.
+        {0x047F0C0Bu, {10, 10, 10, 3}},
+        {0x7F000001u, {1, 0, 0, 3}},
+        {0xFF80FF81u, {0, 0, 0, 0}},
+        {0x80000005u, {5, 0, 0, 0}},
+    };
+    for (const auto& c : cases) EXPECT_EQ(UnpackRenameChoices(c.stored), c.expected) << std::hex << c.stored;
+    EXPECT_FALSE(UnpackRenameChoices(0).HasAnyItem());
+    EXPECT_TRUE(UnpackRenameChoices(0x00010000u).HasAnyItem());
 }
 
 TEST(RenameChoices, EveryRestorableChoiceSurvivesARoundTrip) {
@@ -18,25 +33,6 @@ TEST(RenameChoices, EveryRestorableChoiceSurvivesARoundTrip) {
             EXPECT_EQ(UnpackRenameChoices(PackRenameChoices(choices)), choices) << item << " " << rule;
         }
     }
-}
-
-TEST(RenameChoices, OldNameItemComesBackAsTheFourDigitCounter) {
-    const RenameChoices restored = UnpackRenameChoices(PackRenameChoices({11, 11, 0, 1}));
-    EXPECT_EQ(restored, (RenameChoices{10, 10, 0, 1}));
-}
-
-TEST(RenameChoices, OutOfRangeBytesAreClamped) {
-    // 0x7F is the largest positive byte, 0x80 and above read as negative.
-    EXPECT_EQ(UnpackRenameChoices(0x047F0C0Bu), (RenameChoices{10, 10, 10, 3}));
-    EXPECT_EQ(UnpackRenameChoices(0x7F000001u), (RenameChoices{1, 0, 0, 3}));
-    EXPECT_EQ(UnpackRenameChoices(0xFF80FF81u), (RenameChoices{0, 0, 0, 0}));
-    EXPECT_EQ(UnpackRenameChoices(0x80000005u), (RenameChoices{5, 0, 0, 0}));
-}
-
-TEST(RenameChoices, StoredZeroLeavesEverythingAtNone) {
-    EXPECT_EQ(UnpackRenameChoices(0), RenameChoices{});
-    EXPECT_FALSE(UnpackRenameChoices(0).HasAnyItem());
-    EXPECT_TRUE(UnpackRenameChoices(0x00010000u).HasAnyItem());
 }
 
 }  // namespace

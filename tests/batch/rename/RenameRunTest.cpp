@@ -19,10 +19,12 @@ protected:
     std::map<std::wstring, ShootingTime> exif;  // files that carry a shooting time
     const RenameProgressTexts texts{L"title", L"line"};
 
-    // Adds a photograph to the folder; without a time it has no Exif date.
-    void Add(const std::wstring& path, const ShootingTime* time) {
-        folder.files.insert(path);
-        if (time) exif[path] = *time;
+    // Adds photographs to the folder; without a time they have no Exif date.
+    void Add(std::initializer_list<std::wstring> paths, std::optional<ShootingTime> time = ShotAt(2024, 5, 7)) {
+        for (const std::wstring& path : paths) {
+            folder.files.insert(path);
+            if (time) exif[path] = *time;
+        }
     }
 
     RenameServices Services() {
@@ -43,9 +45,8 @@ protected:
 };
 
 TEST_F(RenameRunTest, NoFileWithShootingTimeShowsTheMessageAndRenamesNothing) {
-    Add(L"d\\plain.jpg", nullptr);
-    const ShootingTime t = ShotAt(2024, 5, 7);
-    exif[L"d\\gone.jpg"] = t;  // a time would be found, but the file is not there
+    Add({L"d\\plain.jpg"}, std::nullopt);
+    exif[L"d\\gone.jpg"] = ShotAt(2024, 5, 7);  // a time would be found, but the file is not there
     const RenameRunResult result = Run({kItemDate8, 0, 0, 0}, {L"d\\plain.jpg", L"d\\gone.jpg"});
     EXPECT_EQ(result.listed, 0);
     EXPECT_EQ(sink.messages, (std::vector<unsigned>{kMsgNoShotTime}));
@@ -54,9 +55,8 @@ TEST_F(RenameRunTest, NoFileWithShootingTimeShowsTheMessageAndRenamesNothing) {
 }
 
 TEST_F(RenameRunTest, NamesTheExampleAndReportsIt) {
-    const ShootingTime t = ShotAt(2024, 5, 7);
-    Add(L"d\\IMG_0001.jpg", &t);
-    Add(L"d\\other.jpg", nullptr);
+    Add({L"d\\IMG_0001.jpg"});
+    Add({L"d\\other.jpg"}, std::nullopt);
     const RenameRunResult result = Run({kItemDate8, kItemNone, kItemCounter1, kResetNever},
                                        {L"d\\other.jpg", L"d\\IMG_0001.jpg"});
     EXPECT_EQ(result.listed, 1);
@@ -72,8 +72,7 @@ TEST_F(RenameRunTest, NamesTheExampleAndReportsIt) {
 }
 
 TEST_F(RenameRunTest, AnsweringNoLeavesEveryFile) {
-    const ShootingTime t = ShotAt(2024, 5, 7);
-    Add(L"d\\a.jpg", &t);
+    Add({L"d\\a.jpg"});
     sink.answer = kIdNo;
     const RenameRunResult result = Run({kItemDate8, 0, 0, 0}, {L"d\\a.jpg"});
     EXPECT_FALSE(result.confirmed);
@@ -82,8 +81,7 @@ TEST_F(RenameRunTest, AnsweringNoLeavesEveryFile) {
 }
 
 TEST_F(RenameRunTest, NoItemsAsksNothingAndOldNameAloneRenamesNothing) {
-    const ShootingTime t = ShotAt(2024, 5, 7);
-    Add(L"d\\a.jpg", &t);
+    Add({L"d\\a.jpg"});
     const RenameRunResult none = Run({}, {L"d\\a.jpg"});
     EXPECT_EQ(none.listed, 1);
     EXPECT_TRUE(sink.messages.empty());
@@ -95,10 +93,8 @@ TEST_F(RenameRunTest, NoItemsAsksNothingAndOldNameAloneRenamesNothing) {
 }
 
 TEST_F(RenameRunTest, AnEarlierRenameOfTheSameRunPushesTheNextToNumberOne) {
-    const ShootingTime morning = ShotAt(2024, 5, 7, 8), evening = ShotAt(2024, 5, 7, 20);
-    Add(L"d\\IMG10.jpg", &morning);
-    Add(L"d\\IMG2.jpg", &evening);
-    Add(L"d\\IMG3.jpg", &evening);
+    Add({L"d\\IMG10.jpg"}, ShotAt(2024, 5, 7, 8));
+    Add({L"d\\IMG2.jpg", L"d\\IMG3.jpg"}, ShotAt(2024, 5, 7, 20));
     Run({kItemDate8, 0, 0, 0}, {L"d\\IMG3.jpg", L"d\\IMG2.jpg", L"d\\IMG10.jpg"});
     EXPECT_EQ(folder.files,
               (std::set<std::wstring>{L"d\\20240507.jpg", L"d\\20240507(1).jpg", L"d\\20240507(2).jpg"}));
@@ -109,10 +105,8 @@ TEST_F(RenameRunTest, AnEarlierRenameOfTheSameRunPushesTheNextToNumberOne) {
 }
 
 TEST_F(RenameRunTest, LockedFileAndTakenNamesLoseNothing) {
-    const ShootingTime t = ShotAt(2024, 5, 7);
-    Add(L"d\\a.jpg", &t);
-    Add(L"d\\b.jpg", &t);
-    Add(L"d\\20240507_1.jpg", nullptr);
+    Add({L"d\\a.jpg", L"d\\b.jpg"});
+    Add({L"d\\20240507_1.jpg"}, std::nullopt);
     folder.locked = {L"d\\a.jpg"};
     EXPECT_EQ(Run({kItemDate8, kItemCounter1, 0, 0}, {L"d\\a.jpg", L"d\\b.jpg"}).renamed, 1);
     EXPECT_EQ(folder.files, (std::set<std::wstring>{L"d\\a.jpg", L"d\\20240507_1.jpg", L"d\\20240507_2.jpg"}));
@@ -120,10 +114,7 @@ TEST_F(RenameRunTest, LockedFileAndTakenNamesLoseNothing) {
 }
 
 TEST_F(RenameRunTest, CancellingStopsBetweenFiles) {
-    const ShootingTime t = ShotAt(2024, 5, 7);
-    Add(L"d\\a.jpg", &t);
-    Add(L"d\\b.jpg", &t);
-    Add(L"d\\c.jpg", &t);
+    Add({L"d\\a.jpg", L"d\\b.jpg", L"d\\c.jpg"});
     sink.cancelAfterChecks = 1;
     const RenameRunResult result = Run({kItemCounter1, 0, 0, 0}, {L"d\\a.jpg", L"d\\b.jpg", L"d\\c.jpg"});
     EXPECT_EQ(result.renamed, 1);
