@@ -11,7 +11,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstring>
 #include <functional>
 #include <map>
@@ -38,13 +37,7 @@ const wchar_t* const kExif = MAKEINTRESOURCEW(4407);
 const wchar_t* const kRename = MAKEINTRESOURCEW(4616);
 constexpr DWORD kNoValue = 0xDEADBEEF;
 
-bool WaitFor(const std::function<bool()>& condition, int milliseconds = 20000) {
-    for (int waited = 0; waited < milliseconds; waited += 50) {
-        if (condition()) return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    return condition();
-}
+using lxtest::WaitFor;
 
 HWND FindVisibleDialog(const wchar_t* title) {
     HWND window = FindWindowW(L"#32770", title);
