@@ -1,11 +1,22 @@
-// What the window tests of the thumbnail list share: running this thread's message loop
-// for a while, and counting this process's threads (to see that workers have ended).
+// What the window tests share: a plain window class of their own, running this thread's
+// message loop for a while, and counting this process's threads (to see that workers ended).
 #pragma once
 
 #include <windows.h>
 #include <tlhelp32.h>
 
 namespace lxtest {
+
+// Registers a window class of this program with `proc` and returns its name (registering it
+// again, as each test's set-up does, changes nothing).
+inline const wchar_t* RegisterTestClass(const wchar_t* name, WNDPROC proc) {
+    WNDCLASSW wc{};
+    wc.lpfnWndProc = proc;
+    wc.hInstance = GetModuleHandleW(nullptr);
+    wc.lpszClassName = name;
+    RegisterClassW(&wc);
+    return name;
+}
 
 inline void Pump() {
     MSG msg;

@@ -42,13 +42,9 @@ std::vector<uint32_t> Square(HWND view, POINT centre) {
 class BusyAnimationTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        WNDCLASSW wc{};
-        wc.lpfnWndProc = GreyProc;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.lpszClassName = L"LxBusyAnimationTestView";
-        RegisterClassW(&wc);
-        view_ = CreateWindowExW(0, wc.lpszClassName, L"busy", WS_POPUP | WS_VISIBLE, 50, 50, 300, 200, nullptr,
-                                nullptr, wc.hInstance, nullptr);
+        const wchar_t* className = lxtest::RegisterTestClass(L"LxBusyAnimationTestView", GreyProc);
+        view_ = CreateWindowExW(0, className, L"busy", WS_POPUP | WS_VISIBLE, 50, 50, 300, 200, nullptr,
+                                nullptr, GetModuleHandleW(nullptr), nullptr);
         ASSERT_NE(view_, nullptr);
         UpdateWindow(view_);
         PumpFor(100);

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "DibGlobal.h"
+#include "ThreadTestHelpers.h"
 #include "ZoomView.h"
 
 using namespace lx;
@@ -83,18 +84,14 @@ class ZoomViewTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(RegisterZoomViewClass());
-        WNDCLASSW wc{};
-        wc.lpfnWndProc = ParentProc;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.lpszClassName = L"LxZoomViewTestParent";
-        RegisterClassW(&wc);
+        const wchar_t* className = lxtest::RegisterTestClass(L"LxZoomViewTestParent", ParentProc);
         RECT outer{0, 0, kViewWidth, kViewHeight};
         AdjustWindowRect(&outer, WS_OVERLAPPEDWINDOW, FALSE);
-        frame_ = CreateWindowExW(0, wc.lpszClassName, L"zoom view test", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10,
-                                 outer.right - outer.left, outer.bottom - outer.top, nullptr, nullptr, wc.hInstance, nullptr);
+        frame_ = CreateWindowExW(0, className, L"zoom view test", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10,
+                                 outer.right - outer.left, outer.bottom - outer.top, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
         ASSERT_NE(frame_, nullptr);
         view_ = CreateWindowExW(0, kZoomViewClass, L"", WS_CHILD | WS_VISIBLE, 0, 0, kViewWidth, kViewHeight, frame_,
-                                reinterpret_cast<HMENU>(static_cast<UINT_PTR>(kViewId)), wc.hInstance, nullptr);
+                                reinterpret_cast<HMENU>(static_cast<UINT_PTR>(kViewId)), GetModuleHandleW(nullptr), nullptr);
         ASSERT_NE(view_, nullptr);
         EXPECT_EQ(Send(kZvInitialize), 1);
         g_notes.clear();

@@ -68,13 +68,9 @@ std::vector<int> Range(int from, int to) {
 class ThumbnailListViewTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        WNDCLASSW wc{};
-        wc.lpfnWndProc = ParentProc;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.lpszClassName = L"LxThumbListTestParent";
-        RegisterClassW(&wc);
-        frame_ = CreateWindowExW(0, wc.lpszClassName, L"thumbnail list test", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10,
-                                 640, 480, nullptr, nullptr, wc.hInstance, nullptr);
+        const wchar_t* className = lxtest::RegisterTestClass(L"LxThumbListTestParent", ParentProc);
+        frame_ = CreateWindowExW(0, className, L"thumbnail list test", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10,
+                                 640, 480, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
         ASSERT_NE(frame_, nullptr);
         list_ = std::make_unique<CThumbnaiListView>();
         g_list = list_.get();
