@@ -19,7 +19,7 @@ stop() {
   fi
 }
 trap stop EXIT
-# The first program starts the prefix's services under this command's display; later
-# programs find them running.
-wine cmd /c exit >/dev/null 2>&1 || true
+# The first program starts the prefix's services and the desktop window under this command's
+# display, with its output discarded; later programs find them running.
+wine rundll32.exe user32.dll,GetDesktopWindow >/dev/null 2>&1 || true
 "$@"
