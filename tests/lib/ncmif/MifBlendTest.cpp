@@ -180,16 +180,3 @@ TEST(MifSolidFill, OpacityReplacesAlphaUnlessKept) {
     EXPECT_EQ(image.dib().pixel(0, 0), 0x40ff0000u);
     EXPECT_EQ(image.dib().pixel(1, 0), 0xffff0000u);
 }
-
-TEST(MifSolidFill, EveryFormatTakesTheNearestColourItCanHold) {
-    for (const Format& f : AllFormats()) {
-        mif image(Pattern(5, 3, f));
-        ASSERT_TRUE(image.solidfill(nullptr, 0x00000000, 255, 0)) << f.name();
-        EXPECT_EQ(image.depth(), f.bits);
-        EXPECT_EQ(image.countcolors(), 1);
-        if (f.bits > 8) {
-            EXPECT_EQ(image.dib().pixel(4, 2) & 0xffffff, 0u) << f.name();
-        }
-        EXPECT_TRUE(WellFormed(image.dib()));
-    }
-}

@@ -45,18 +45,6 @@ TEST(MifGrayscale, WeighsChannelsLikeTheEye) {
     EXPECT_EQ(row[5], 128);
 }
 
-TEST(MifGrayscale, EveryFormatBecomesEightBitGrey) {
-    for (const Format& f : AllFormats()) {
-        const PackedDib original = Pattern(7, 3, f);
-        mif image(original);
-        ASSERT_TRUE(image.grayscale()) << f.name();
-        EXPECT_EQ(image.depth(), 8);
-        const uint32_t c = original.pixel(5, 2);
-        EXPECT_NEAR(image.dib().pixel(5, 2) & 0xff,
-                    0.299 * ((c >> 16) & 0xff) + 0.587 * ((c >> 8) & 0xff) + 0.114 * (c & 0xff), 0.51) << f.name();
-    }
-}
-
 TEST(MifNormalize, StretchesDarkestAndBrightestToTheFullRange) {
     mif image(GreyRamp(151, 3, 50, 200));
     ASSERT_TRUE(image.normalize(nullptr));

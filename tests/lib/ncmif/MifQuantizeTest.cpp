@@ -31,23 +31,17 @@ const lx::MifLogPalette* AsPalette(const std::vector<uint8_t>& block) {
     return reinterpret_cast<const lx::MifLogPalette*>(block.data());
 }
 
-// Reduces a copy of `source` and checks the colour bound and the DIB's shape; the result.
-mif ExpectReduced(const PackedDib& source, int count, int method) {
-    mif image(source);
-    EXPECT_TRUE(image.quantize(count, method, nullptr)) << method << "/" << count;
-    EXPECT_LE(image.countcolors(), count) << method << "/" << count;
-    EXPECT_LE(static_cast<int>(image.palette().size()), count);
-    EXPECT_TRUE(WellFormed(image.dib()));
-    return image;
-}
-
 }  // namespace
 
 TEST(MifQuantize, NeverMoreColoursThanAskedAndCountColorsAgrees) {
     const PackedDib photo = Photo(97, 61);
     for (int method = 0; method <= 3; ++method)
         for (int count : {2, 4, 16, 17, 64, 256}) {
-            const mif image = ExpectReduced(photo, count, method);
+            mif image(photo);
+            ASSERT_TRUE(image.quantize(count, method, nullptr)) << method << "/" << count;
+            EXPECT_LE(image.countcolors(), count) << method << "/" << count;
+            EXPECT_LE(static_cast<int>(image.palette().size()), count);
+            EXPECT_TRUE(WellFormed(image.dib()));
             EXPECT_EQ(image.depth(), count <= 2 ? 1 : (count <= 16 ? 4 : 8));
             EXPECT_GE(image.countcolors(), 2);
         }
@@ -147,12 +141,6 @@ TEST(MifQuantize, RefusesImpossibleRequests) {
     const auto none = LogPalette({});
     EXPECT_FALSE(image.quantize(16, 0, AsPalette(none)));
     EXPECT_EQ(image.dib().bytes(), photo.bytes());
-}
-
-TEST(MifQuantize, EveryFormatAndTinySizes) {
-    for (const Format& f : AllFormats())
-        for (auto [w, h] : {std::pair{1, 1}, {3, 5}, {17, 2}})
-            for (int method = 0; method <= 3; ++method) ExpectReduced(Pattern(w, h, f), 4, method);
 }
 
 TEST(MifQuantize, LargeImagesSplitIntoBandsStillReduceWell) {
