@@ -288,6 +288,13 @@ TEST(CodecWriters, StoreTheSmallestKindThatHoldsThePicture) {
         }
 }
 
+TEST(CodecWriters, GifCodesArePackedLeastSignificantBitFirstToTheLastBit) {
+    // Indices 0 1 0 1 with 2-bit pixels give the 3-bit codes clear (4), 0, 1, 6 (the string
+    // "0 1" learnt on the way), end (5): bits 100 000 100 011 101 from the low end. Readers
+    // forgive a lost last byte, so only this shows it.
+    EXPECT_EQ(GifLzwCompress(std::vector<uint8_t>{0, 1, 0, 1}, 2), (Bytes{0x44, 0x5c}));
+}
+
 TEST(CodecWriters, SgiRowsUseRepeatsAndLiteralsAndEndWithZero) {
     const uint8_t row[] = {1, 2, 3, 7, 7, 7, 7, 9};
     Bytes out;
