@@ -176,7 +176,7 @@ TEST(MifEveryMember, TinyAndOddImagesOfEveryFormatComeOutWellFormed) {
         mif none;
         EXPECT_FALSE(run(none, {24, false})) << name << " on an empty image";
         for (const Format& f : AllFormats())
-            for (auto [w, h] : {std::pair{1, 1}, {3, 1}, {1, 3}, {7, 5}, {17, 2}}) {
+            for (auto [w, h] : {std::pair{1, 1}, {3, 1}, {1, 3}, {17, 5}}) {
                 mif image(Pattern(w, h, f));
                 EXPECT_TRUE(run(image, f)) << name << " " << f.name() << " " << w << "x" << h;
                 EXPECT_TRUE(WellFormed(image.dib())) << name << " " << f.name() << " " << w << "x" << h;
