@@ -3,6 +3,8 @@
 // wrappers around the outside tools that make real files (convert, exiftool).
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -193,6 +195,19 @@ inline Bytes MakeJpeg(const std::filesystem::path& scratch, int width, int heigh
 inline int ExifTool(const std::string& args, const std::filesystem::path& file) {
     return Run("exiftool -q -q -m -overwrite_original " + args + " '" + file.string() + "' >/dev/null 2>&1");
 }
+
+// Photographs made by ImageMagick whose tags exiftool wrote, in a scratch folder of their own.
+class ExiftoolPhotos : public ::testing::Test {
+protected:
+    void SetUp() override { LX_REQUIRE_TOOLS("convert exiftool"); }
+    std::filesystem::path photo(const std::string& name, const std::string& tags) {
+        const auto path = dir / name;
+        WriteFile(path, MakeJpeg(dir.path(), 40, 30));
+        EXPECT_EQ(ExifTool(tags, path), 0) << tags;
+        return path;
+    }
+    ScratchDir dir{"exiftool"};
+};
 #endif
 
 }  // namespace lxtest

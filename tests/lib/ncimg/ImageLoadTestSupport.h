@@ -173,10 +173,11 @@ inline Rgba PixelsOf(const lx::PackedDib& dib) {
     return out;
 }
 
+using Reader = std::function<std::optional<lx::PackedDib>(std::span<const uint8_t>)>;
+
 // A reader given the file cut short at several points (inside the header, inside the
 // pixels) returns no image, and never reads past what it was given (the sanitizers watch).
-inline ::testing::AssertionResult FailsWhenTruncated(
-    const std::function<std::optional<lx::PackedDib>(std::span<const uint8_t>)>& read, const std::vector<uint8_t>& file) {
+inline ::testing::AssertionResult FailsWhenTruncated(const Reader& read, const std::vector<uint8_t>& file) {
     for (size_t cut : {size_t{0}, size_t{1}, size_t{8}, size_t{20}, file.size() / 2, file.size() * 3 / 4}) {
         if (cut >= file.size()) continue;
         // An exact-size copy, so the sanitizer sees any read past the cut.
@@ -184,29 +185,6 @@ inline ::testing::AssertionResult FailsWhenTruncated(
         if (read(part)) return ::testing::AssertionFailure() << "decoded a file cut to " << cut << " of " << file.size() << " bytes";
     }
     return ::testing::AssertionSuccess();
-}
-
-using Reader = std::function<std::optional<lx::PackedDib>(std::span<const uint8_t>)>;
-using Encoder = std::function<std::vector<uint8_t>(const lx::PackedDib&)>;
-
-// One file made by ImageMagick and what our reader must make of it.
-struct MagickCase {
-    const char* name;
-    std::string arguments;  // for convert, ending with the output format prefix ("TGA:")
-    int bitCount;           // the depth the reader must give
-    int tolerance = 0;      // per channel, for formats whose samples are scaled or converted
-};
-
-// What we write, the oracle reads back as the same pixels. `prefix` names the format for
-// ImageMagick when the extension alone does not ("SGI:").
-inline void CheckMagickReadsWhatWeWrote(const Encoder& encode, const lx::PackedDib& dib, const std::string& leaf,
-                                        int tolerance = 0, const std::string& prefix = "") {
-    lxtest::ScratchDir dir("write");
-    const auto file = dir / leaf;
-    const std::vector<uint8_t> bytes = encode(dib);
-    ASSERT_FALSE(bytes.empty());
-    WriteFile(file, bytes);
-    EXPECT_TRUE(SamePixels(dib, OracleRead(file, prefix), tolerance)) << leaf << " from " << dib.bitCount() << " bits";
 }
 
 // The grey ramp as an 8-bit image: entry i is level i.
@@ -235,12 +213,5 @@ inline const DibCase kMonoCase{"mono", [] {
     for (int y = 0; y < 7; ++y) dib.row(y)[y % 3] = 0xa5;
     return dib;
 }};
-
-// Our reader gives back the pixels our writer stored.
-inline void CheckRoundTrip(const Reader& read, const Encoder& encode, const lx::PackedDib& dib) {
-    const auto back = read(encode(dib));
-    ASSERT_TRUE(back);
-    EXPECT_TRUE(SamePixels(*back, PixelsOf(dib)));
-}
 
 }  // namespace lxtest

@@ -4,72 +4,10 @@
 // the way NEF and DNG files lay them out.
 #pragma once
 
+#include "../exif/ExifTestSupport.h"
 #include "PackedDib.h"
 
-#include <algorithm>
-#include <cstdint>
-#include <optional>
-#include <vector>
-
 namespace lxtest {
-
-class TiffBuilder {
-public:
-    struct Entry {
-        uint16_t tag;
-        uint16_t type;  // 3 SHORT, 4 LONG
-        std::vector<uint32_t> values;
-    };
-
-    TiffBuilder() : out_{'I', 'I', 42, 0, 0, 0, 0, 0} {}
-
-    // Appends bytes (at an even offset) and returns where they start.
-    uint32_t blob(const std::vector<uint8_t>& bytes) {
-        if (out_.size() & 1) out_.push_back(0);
-        const uint32_t at = static_cast<uint32_t>(out_.size());
-        out_.insert(out_.end(), bytes.begin(), bytes.end());
-        return at;
-    }
-
-    // Appends one IFD with its out-of-line values and returns its offset.
-    uint32_t ifd(std::vector<Entry> entries) {
-        std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) { return a.tag < b.tag; });
-        std::vector<uint32_t> fields;
-        for (const Entry& e : entries) {
-            const size_t size = e.type == 3 ? 2 : 4;
-            std::vector<uint8_t> bytes;
-            for (uint32_t v : e.values)
-                for (size_t i = 0; i < size; ++i) bytes.push_back(static_cast<uint8_t>(v >> (8 * i)));
-            if (bytes.size() > 4) {
-                fields.push_back(blob(bytes));
-            } else {
-                bytes.resize(4);
-                fields.push_back(static_cast<uint32_t>(bytes[0] | bytes[1] << 8 | bytes[2] << 16 | bytes[3] << 24));
-            }
-        }
-        std::vector<uint8_t> table;
-        put(table, static_cast<uint32_t>(entries.size()), 2);
-        for (size_t i = 0; i < entries.size(); ++i) {
-            put(table, entries[i].tag, 2);
-            put(table, entries[i].type, 2);
-            put(table, static_cast<uint32_t>(entries[i].values.size()), 4);
-            put(table, fields[i], 4);
-        }
-        put(table, 0, 4);
-        return blob(table);
-    }
-
-    std::vector<uint8_t> finish(uint32_t firstIfd) {
-        for (int i = 0; i < 4; ++i) out_[4 + i] = static_cast<uint8_t>(firstIfd >> (8 * i));
-        return out_;
-    }
-
-private:
-    static void put(std::vector<uint8_t>& to, uint32_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i) to.push_back(static_cast<uint8_t>(value >> (8 * i)));
-    }
-    std::vector<uint8_t> out_;
-};
 
 // What goes into one raw-like file. An empty JPEG or an empty thumbnail is left out.
 struct RawParts {
@@ -79,37 +17,53 @@ struct RawParts {
 };
 
 inline std::vector<uint8_t> MakeRawLikeFile(const RawParts& parts) {
-    TiffBuilder tiff;
-    std::vector<uint32_t> subIfds;
+    TiffBuilder t;
+    const int ifd0 = t.addIfd();
+    std::vector<int> subIfds;
     if (!parts.jpeg.empty()) {
-        const uint32_t at = tiff.blob(parts.jpeg);
-        subIfds.push_back(tiff.ifd({{0xFE, 4, {1}}, {0x103, 3, {6}}, {0x201, 4, {at}},
-                                    {0x202, 4, {static_cast<uint32_t>(parts.jpeg.size())}}}));
+        const int sub = t.addIfd(), jpeg = t.addBlob(parts.jpeg);
+        t.addLong(sub, 0xFE, 1);
+        t.addShort(sub, 0x103, 6);
+        t.addBlobOffset(sub, 0x201, jpeg);
+        t.addBlobLength(sub, 0x202, jpeg);
+        subIfds.push_back(sub);
     }
-    if (!parts.thumbnail.empty()) {
-        const lx::PackedDib& t = parts.thumbnail;
-        std::vector<uint8_t> rgb;
-        for (int y = 0; y < t.height(); ++y)
-            for (int x = 0; x < t.width(); ++x) {
-                const uint8_t* p = t.row(y) + x * 3;
+    if (const lx::PackedDib& thumb = parts.thumbnail; !thumb.empty()) {
+        Bytes rgb;
+        for (int y = 0; y < thumb.height(); ++y)
+            for (int x = 0; x < thumb.width(); ++x) {
+                const uint8_t* p = thumb.row(y) + x * 3;
                 rgb.insert(rgb.end(), {p[2], p[1], p[0]});
             }
-        const uint32_t at = tiff.blob(rgb);
-        subIfds.push_back(tiff.ifd({{0xFE, 4, {1}}, {0x100, 4, {static_cast<uint32_t>(t.width())}},
-                                    {0x101, 4, {static_cast<uint32_t>(t.height())}}, {0x102, 3, {8, 8, 8}},
-                                    {0x103, 3, {1}}, {0x106, 3, {2}}, {0x111, 4, {at}}, {0x115, 3, {3}},
-                                    {0x117, 4, {static_cast<uint32_t>(rgb.size())}}, {0x11C, 3, {1}}}));
+        const int sub = t.addIfd(), pixels = t.addBlob(rgb);
+        t.addLong(sub, 0xFE, 1);
+        t.addLong(sub, 0x100, static_cast<uint32_t>(thumb.width()));
+        t.addLong(sub, 0x101, static_cast<uint32_t>(thumb.height()));
+        t.addShorts(sub, 0x102, {8, 8, 8});
+        t.addShort(sub, 0x103, 1);
+        t.addShort(sub, 0x106, 2);
+        t.addBlobOffset(sub, 0x111, pixels);
+        t.addShort(sub, 0x115, 3);
+        t.addBlobLength(sub, 0x117, pixels);
+        t.addShort(sub, 0x11C, 1);
+        subIfds.push_back(sub);
     }
     // The sensor data: 8 x 6 samples of 16 bits behind a colour filter array.
-    const uint32_t sensor = tiff.blob(std::vector<uint8_t>(8 * 6 * 2, 0x5a));
-    std::vector<TiffBuilder::Entry> ifd0 = {
-        {0xFE, 4, {0}},       {0x100, 4, {8}},         {0x101, 4, {6}},  {0x102, 3, {16}},
-        {0x103, 3, {1}},      {0x106, 3, {32803}},     {0x111, 4, {sensor}}, {0x115, 3, {1}},
-        {0x117, 4, {8 * 6 * 2}}, {0x828D, 3, {2, 2}}, {0x828E, 3, {0x0100, 0x0201}},
-    };
-    if (parts.orientation != 0) ifd0.push_back({0x112, 3, {static_cast<uint32_t>(parts.orientation)}});
-    if (!subIfds.empty()) ifd0.push_back({0x14A, 4, subIfds});
-    return tiff.finish(tiff.ifd(ifd0));
+    const int sensor = t.addBlob(Bytes(8 * 6 * 2, 0x5a));
+    t.addLong(ifd0, 0xFE, 0);
+    t.addLong(ifd0, 0x100, 8);
+    t.addLong(ifd0, 0x101, 6);
+    t.addShort(ifd0, 0x102, 16);
+    t.addShort(ifd0, 0x103, 1);
+    t.addShort(ifd0, 0x106, 32803);
+    t.addBlobOffset(ifd0, 0x111, sensor);
+    if (parts.orientation != 0) t.addShort(ifd0, 0x112, static_cast<uint16_t>(parts.orientation));
+    t.addShort(ifd0, 0x115, 1);
+    t.addBlobLength(ifd0, 0x117, sensor);
+    if (!subIfds.empty()) t.addIfdPointers(ifd0, 0x14A, subIfds);
+    t.addShorts(ifd0, 0x828D, {2, 2});
+    t.addShorts(ifd0, 0x828E, {0x0100, 0x0201});
+    return t.build();
 }
 
 }  // namespace lxtest

@@ -1,6 +1,7 @@
 #include "CoreServices.h"
 
 #include "DialogDriver.h"
+#include "ModuleResources.h"
 
 #include <gtest/gtest.h>
 
@@ -115,6 +116,15 @@ TEST(ErrorDisplay, ReturnsTheButtonPressed) {
     EXPECT_EQ(button, IDRETRY);
     EXPECT_TRUE(driver.Found());
     EXPECT_NE(seen.find(L"C:\\locked"), std::wstring::npos) << seen;
+}
+
+TEST(ModuleResources, LoadsJapaneseTextsAndTellsIdsFromTexts) {
+    EXPECT_EQ(lx::LoadResString(4), L"\u30d5\u30a9\u30c8 \u30ec\u30bf\u30c3\u30c1");
+    EXPECT_EQ(lx::LoadResString(4401), L"MainViewer");
+    EXPECT_EQ(lx::LoadResString(65000), L"");
+    EXPECT_EQ(lx::TextOrResString(MAKEINTRESOURCEW(4612)), L"Status");
+    EXPECT_EQ(lx::TextOrResString(L"plain"), L"plain");
+    EXPECT_EQ(lx::TextOrResString(nullptr), L"");
 }
 
 // The stand-in module carries tool bar 300: images 16 x 16, commands 2001, separator, 2002,

@@ -43,17 +43,6 @@ bool RecycleBinHolds(const std::wstring& name) {
     return found;
 }
 
-TEST(RecycleBin, MovesAFileAwayWithoutAsking) {
-    lxtest::ScratchDir scratch("recycle");
-    const auto file = scratch / "spread.png";
-    const auto other = scratch / "keep.png";
-    lxtest::WriteFile(file, std::string("pixels"));
-    lxtest::WriteFile(other, std::string("pixels"));
-    EXPECT_TRUE(lx::MoveToRecycleBin(nullptr, file.c_str()));
-    EXPECT_FALSE(std::filesystem::exists(file));
-    EXPECT_TRUE(std::filesystem::exists(other));
-}
-
 TEST(RecycleBin, DeletesEveryPathOfAList) {
     lxtest::ScratchDir scratch("shelldelete");
     const auto a = scratch / "a b.jpg";
@@ -74,29 +63,29 @@ TEST(RecycleBin, PathListEndsWithTwoNuls) {
     EXPECT_EQ(list.c_str()[9], L'\0');
 }
 
-// Del in the viewer: the file leaves its folder for the recycle bin, without a question.
-TEST(DeleteOneFile, SendsTheFileToTheRecycleBin) {
+// Del in the viewer: the file leaves its folder for the recycle bin, without a question; its
+// neighbours stay.
+TEST(RecycleBin, MovesOneFileAwayWithoutAsking) {
     lxtest::ScratchDir scratch("deleteone");
     const std::wstring name = L"lx-deleted-" + std::to_wstring(GetCurrentProcessId()) + L".jpg";
-    const auto file = scratch.path() / name;
-    lxtest::WriteFile(file, std::string("x"));
+    const auto file = scratch.path() / name, spread = scratch / "spread.png", other = scratch / "keep.png";
+    for (const auto& path : {file, spread, other}) lxtest::WriteFile(path, std::string("x"));
+    EXPECT_TRUE(lx::MoveToRecycleBin(nullptr, spread.c_str()));
+    EXPECT_FALSE(std::filesystem::exists(spread));
     EXPECT_TRUE(lx::DeleteOneFile(file.c_str()));
     EXPECT_FALSE(std::filesystem::exists(file));
+    EXPECT_TRUE(std::filesystem::exists(other));
     EXPECT_TRUE(RecycleBinHolds(name));
     EXPECT_FALSE(lx::DeleteOneFile(file.c_str()));
     EXPECT_FALSE(lx::DeleteOneFile(nullptr));
 }
 
-TEST(EnsureOutputFolder, AcceptsOrCreatesAFolder) {
+TEST(EnsureOutputFolder, AcceptsOrCreatesAFolderAndShowsWhyAFileCannotBeOne) {
     lxtest::ScratchDir scratch("ensure");
     EXPECT_TRUE(lx::EnsureOutputFolder(nullptr, scratch.path().c_str()));
     const auto deep = scratch / "out" / "web album";
     EXPECT_TRUE(lx::EnsureOutputFolder(nullptr, deep.c_str()));
     EXPECT_TRUE(std::filesystem::is_directory(deep));
-}
-
-TEST(EnsureOutputFolder, ShowsWhyAFileCannotBeTheFolder) {
-    lxtest::ScratchDir scratch("ensure-file");
     const auto file = scratch / "taken";
     lxtest::WriteFile(file, std::string("x"));
     std::wstring texts;
@@ -125,22 +114,21 @@ TEST(DriveCurrentFolder, ReportsTheCurrentFolderOfItsDrive) {
     EXPECT_FALSE(lx::DriveCurrentFolder(L'C', nullptr));
 }
 
-TEST(BrowseForFolder, StartsAtTheGivenFolderAndReturnsTheChoice) {
+TEST(BrowseForFolder, StartsAtTheGivenFolderAndReturnsTheChoiceOrLeavesTheBuffer) {
     lxtest::ScratchDir scratch("browse");
     wchar_t folder[520] = {};
     lstrcpynW(folder, scratch.path().c_str(), 520);
-    DialogDriver driver(L"", DialogDriver::Press(IDOK));
-    ASSERT_TRUE(lx::BrowseForFolder(nullptr, folder));
-    EXPECT_TRUE(driver.Found());
-    EXPECT_TRUE(std::filesystem::equivalent(std::filesystem::path(folder), scratch.path())) << folder;
-}
-
-TEST(BrowseForFolder, CancelLeavesTheBuffer) {
-    wchar_t folder[520] = L"C:\\windows";
+    {
+        DialogDriver driver(L"", DialogDriver::Press(IDOK));
+        ASSERT_TRUE(lx::BrowseForFolder(nullptr, folder));
+        EXPECT_TRUE(driver.Found());
+        EXPECT_TRUE(std::filesystem::equivalent(std::filesystem::path(folder), scratch.path())) << folder;
+    }
+    wchar_t kept[520] = L"C:\\windows";
     DialogDriver driver(L"", DialogDriver::Press(IDCANCEL));
-    EXPECT_FALSE(lx::BrowseForFolder(nullptr, folder));
+    EXPECT_FALSE(lx::BrowseForFolder(nullptr, kept));
     EXPECT_TRUE(driver.Found());
-    EXPECT_STREQ(folder, L"C:\\windows");
+    EXPECT_STREQ(kept, L"C:\\windows");
 }
 
 }  // namespace

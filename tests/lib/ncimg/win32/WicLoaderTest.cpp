@@ -50,7 +50,8 @@ TEST(WicLoader, LosslessFormatsComeBackExactlyAtTheirDepth) {
 struct OracleCase {
     const char* file;  // under tests/lib/ncimg/win32
     int bitCount;
-    int tolerance;  // 16-bit samples: ImageMagick rounds to 8 bits, others may truncate
+    int tolerance;      // 16-bit samples: ImageMagick rounds to 8 bits, others may truncate
+    bool grey = false;  // must keep a grey palette
 };
 
 // The loaded image, when it has the expected depth and ImageMagick's pixels.
@@ -70,26 +71,20 @@ std::optional<PackedDib> LoadLikeOracle(const OracleCase& c) {
     return dib;
 }
 
-// Every bit depth and colour type, transparency by tRNS, Adam7 interlace.
-TEST(WicLoader, PngOfEveryDepthAndColourType) {
+// Every bit depth and colour type, transparency by tRNS, Adam7 interlace. Grey stays grey
+// at the nearest DIB depth: one, four or eight bits with a grey palette.
+TEST(WicLoader, PngAndTiffOfEveryDepthAndColourType) {
     const OracleCase cases[] = {
-        {"png/rgb16.png", 24, 1},      {"png/rgba16.png", 32, 1},    {"png/greya16.png", 32, 1},
-        {"png/greya8.png", 32, 0},     {"png/pal1.png", 1, 0},       {"png/pal2.png", 4, 0},
-        {"png/pal4.png", 4, 0},        {"png/pal8.png", 8, 0},       {"png/pal8trns.png", 32, 0},
-        {"png/pal4trns.png", 32, 0},   {"png/rgb8i.png", 24, 0},     {"png/rgba8i.png", 32, 0},
-    };
-    for (const OracleCase& c : cases) LoadLikeOracle(c);
-}
-
-// Grey stays grey at the nearest DIB depth: one, four or eight bits with a grey palette.
-TEST(WicLoader, GreyOfEveryDepthKeepsAGreyPalette) {
-    const OracleCase cases[] = {
-        {"png/grey1.png", 1, 0},   {"png/grey2.png", 4, 0},   {"png/grey4.png", 4, 0},   {"png/grey16.png", 8, 1},
-        {"tiff/grey1.tif", 1, 0},  {"tiff/grey1w.tif", 1, 0}, {"tiff/grey4.tif", 4, 0},
-        {"tiff/grey8.tif", 8, 0},  {"tiff/grey16.tif", 8, 1},
+        {"png/rgb16.png", 24, 1},       {"png/rgba16.png", 32, 1},       {"png/greya16.png", 32, 1},
+        {"png/greya8.png", 32, 0},      {"png/pal1.png", 1, 0},          {"png/pal2.png", 4, 0},
+        {"png/pal4.png", 4, 0},         {"png/pal8.png", 8, 0},          {"png/pal8trns.png", 32, 0},
+        {"png/pal4trns.png", 32, 0},    {"png/rgb8i.png", 24, 0},        {"png/rgba8i.png", 32, 0},
+        {"png/grey1.png", 1, 0, true},  {"png/grey2.png", 4, 0, true},   {"png/grey4.png", 4, 0, true},
+        {"png/grey16.png", 8, 1, true}, {"tiff/grey1.tif", 1, 0, true},  {"tiff/grey1w.tif", 1, 0, true},
+        {"tiff/grey4.tif", 4, 0, true}, {"tiff/grey8.tif", 8, 0, true},  {"tiff/grey16.tif", 8, 1, true},
     };
     for (const OracleCase& c : cases)
-        if (const auto dib = LoadLikeOracle(c)) EXPECT_TRUE(dib->hasGreyPalette()) << c.file;
+        if (const auto dib = LoadLikeOracle(c); dib && c.grey) EXPECT_TRUE(dib->hasGreyPalette()) << c.file;
 }
 
 TEST(WicLoader, IconsKeepTheirAlpha) {
@@ -108,12 +103,11 @@ TEST(WicLoader, IconsKeepTheirAlpha) {
     EXPECT_TRUE(lxtest::SamePixels(*dib, lxtest::PixelsOf(rgba)));
 }
 
-// An APP1 Exif segment whose IFD0 holds only the orientation, placed after SOI.
-std::vector<uint8_t> WithOrientation(std::vector<uint8_t> jpeg, uint16_t orientation) {
-    const std::vector<uint8_t> app1 = {0xff, 0xe1, 0, 34, 'E', 'x', 'i', 'f', 0, 0,  'I', 'I', 42, 0, 8, 0, 0, 0,
-                                       1,    0,    0x12, 1, 3, 0, 1, 0, 0, 0, static_cast<uint8_t>(orientation), 0, 0, 0, 0, 0, 0, 0};
-    jpeg.insert(jpeg.begin() + 2, app1.begin(), app1.end());
-    return jpeg;
+// The JPEG with an Exif segment whose IFD0 holds only the orientation.
+std::vector<uint8_t> WithOrientation(const std::vector<uint8_t>& jpeg, uint16_t orientation) {
+    lxtest::TiffBuilder t;
+    t.addShort(t.addIfd(), 0x112, orientation);
+    return lxtest::JpegWithExif(t.build(), jpeg);
 }
 
 // Mean over all pixels of the largest channel difference: for lossy previews (about 8 for
@@ -125,8 +119,7 @@ double MeanDistance(const PackedDib& a, const PackedDib& b) {
     return sum / (a.width() * a.height());
 }
 
-// The 40 x 24 synthetic picture as a quality-95 JPEG.
-std::vector<uint8_t> SyntheticJpeg(const PackedDib& picture) {
+std::vector<uint8_t> QualityJpeg(const PackedDib& picture) {
     lx::JpegSaveRecord record;
     record.quality = 95;
     return lx::EncodeJpeg(picture, record);
@@ -135,7 +128,7 @@ std::vector<uint8_t> SyntheticJpeg(const PackedDib& picture) {
 TEST(WicLoader, JpegIsTurnedUprightByItsOrientation) {
     lxtest::ScratchDir dir("wic-jpeg");
     const PackedDib rgb = lxtest::SyntheticRgb(40, 24);
-    const std::vector<uint8_t> jpeg = SyntheticJpeg(rgb);
+    const std::vector<uint8_t> jpeg = QualityJpeg(rgb);
     const auto plain = SaveAndLoad(dir / "plain.jpg", jpeg);
     ASSERT_TRUE(plain);
     EXPECT_EQ(plain->bitCount(), 24);
@@ -158,7 +151,7 @@ TEST(WicLoader, JpegIsTurnedUprightByItsOrientation) {
 TEST(WicLoader, CameraRawShowsItsLargestPreviewUpright) {
     lxtest::ScratchDir dir("wic-raw");
     const PackedDib picture = lxtest::SyntheticRgb(40, 24);
-    const std::vector<uint8_t> jpeg = SyntheticJpeg(picture);
+    const std::vector<uint8_t> jpeg = QualityJpeg(picture);
     const PackedDib thumb = lxtest::SyntheticRgb(16, 12);
     for (int orientation : {0, 6, 3}) {
         PackedDib upright = picture;
@@ -188,30 +181,16 @@ TEST(WicLoader, CameraRawShowsItsLargestPreviewUpright) {
     EXPECT_TRUE(lxtest::SamePixels(*small, lxtest::PixelsOf(thumb)));
 }
 
-// A baseline grey JPEG claiming `width` x `height` pixels, whose entropy-coded data ends
-// after four blocks: a decoder fills the rest of the canvas in grey.
+// A grey JPEG of four blocks whose frame claims `width` x `height` pixels: a decoder fills
+// the rest of the canvas in grey.
 std::vector<uint8_t> JpegClaiming(uint16_t width, uint16_t height) {
-    std::vector<uint8_t> file = {
-        0xff, 0xd8,                                        // start of image
-        0xff, 0xdb, 0, 67, 0,                              // quantisation table 0, 64 entries:
-    };
-    file.resize(file.size() + 64, 1);                      //   all 1
-    const std::vector<uint8_t> rest = {
-        0xff, 0xc0, 0, 11, 8,                              // baseline frame, 8-bit samples
-        static_cast<uint8_t>(height >> 8), static_cast<uint8_t>(height),  // height
-        static_cast<uint8_t>(width >> 8), static_cast<uint8_t>(width),    // width
-        1, 1, 0x11, 0,                                     // one component: id 1, 1x1, table 0
-        0xff, 0xc4, 0, 20, 0x00,                           // Huffman table, DC 0:
-        1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,    //   one code of one bit
-        0,                                                 //   for difference size 0
-        0xff, 0xc4, 0, 20, 0x10,                           // Huffman table, AC 0:
-        1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,    //   one code of one bit
-        0,                                                 //   for end of block
-        0xff, 0xda, 0, 8, 1, 1, 0x00, 0, 63, 0,            // scan: component 1, tables 0/0
-        0x00,                                              // four blocks: DC 0, end of block
-        0xff, 0xd9,                                        // end of image
-    };
-    file.insert(file.end(), rest.begin(), rest.end());
+    std::vector<uint8_t> file = QualityJpeg(PackedDib::Create(32, 8, 8));
+    for (size_t i = 2; i + 8 < file.size(); ++i)
+        if (file[i] == 0xff && file[i + 1] == 0xc0) {
+            file[i + 5] = static_cast<uint8_t>(height >> 8), file[i + 6] = static_cast<uint8_t>(height);
+            file[i + 7] = static_cast<uint8_t>(width >> 8), file[i + 8] = static_cast<uint8_t>(width);
+            break;
+        }
     return file;
 }
 

@@ -4,26 +4,16 @@
 
 #include <cstring>
 
+#include "../MifTestImages.h"
 #include "DibGlobal.h"
 #include "mif.h"
 
 using lx::mif;
 using lx::PackedDib;
-
-namespace {
-
-PackedDib Stripes(int w, int h, int bits) {
-    PackedDib dib = PackedDib::Create(w, h, bits);
-    for (int y = 0; y < h; ++y)
-        for (size_t i = 0; i < dib.stride(); ++i) dib.row(y)[i] = static_cast<uint8_t>(i * 29 + y * 7);
-    for (size_t i = 0; i < dib.palette().size(); ++i) dib.palette()[i] = lx::Rgbq{static_cast<uint8_t>(i), 0, static_cast<uint8_t>(255 - i), 0};
-    return dib;
-}
-
-}  // namespace
+using miftest::Pattern;
 
 TEST(MifWin32, GlobalBlocksGoInAndOut) {
-    const PackedDib original = Stripes(7, 3, 24);
+    const PackedDib original = Pattern(7, 3, {24, false});
     HGLOBAL block = lx::DibToGlobal(original);
     ASSERT_NE(block, nullptr);
     const mif copy(static_cast<void*>(block));  // copies; the block stays ours
@@ -47,7 +37,7 @@ TEST(MifWin32, GlobalBlocksGoInAndOut) {
 
 TEST(MifWin32, CreateBitmapShowsThePixelsAndThePalette) {
     for (int bits : {1, 4, 8, 24, 32}) {
-        const mif image(Stripes(9, 5, bits));
+        const mif image(Pattern(9, 5, {bits, false}));
         HPALETTE palette = nullptr;
         HBITMAP bitmap = image.createbitmap(&palette);
         ASSERT_NE(bitmap, nullptr) << bits;
@@ -61,10 +51,10 @@ TEST(MifWin32, CreateBitmapShowsThePixelsAndThePalette) {
             ASSERT_NE(palette, nullptr);
             PALETTEENTRY entry{};
             ASSERT_EQ(GetPaletteEntries(palette, 1, 1, &entry), 1u);
-            EXPECT_EQ(entry.peRed, 254);
-            EXPECT_EQ(entry.peBlue, 1);
+            EXPECT_EQ(entry.peRed, 76);  // the pattern's palette entry 1
+            EXPECT_EQ(entry.peBlue, 37);
             // A GDI palette put back in as the colour table.
-            mif other(Stripes(9, 5, bits));
+            mif other(Pattern(9, 5, {bits, false}));
             ASSERT_TRUE(other.replace_palette(palette));
             EXPECT_EQ(other.palette()[1], image.palette()[1]);
             DeleteObject(palette);

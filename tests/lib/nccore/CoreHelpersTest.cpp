@@ -1,7 +1,10 @@
-// The portable file helpers and the parallel loop every tool shares.
+// The portable helpers every tool shares: whole-file reads and writes, the parallel loop,
+// rectangles kept on screen, and tool bar templates.
 #include "AtomicFile.h"
 #include "FileBytes.h"
 #include "ParallelParts.h"
+#include "RectClamp.h"
+#include "ToolBarTemplate.h"
 #include "TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -72,6 +75,67 @@ TEST(ForEachPart, HandsAFailureInAnyPartToTheCaller) {
         EXPECT_THROW(ForEachPart(8, 8, [&](int begin, int, int) { if (begin == failing) throw std::runtime_error("x"); }),
                      std::runtime_error);
     }
+}
+
+TEST(RectClamp, KeepsFittingRectanglesAndMovesOrShrinksOthersIntoTheArea) {
+    const PlainRect work{0, 0, 1920, 1040}, second{1920, 0, 3200, 1024};
+    const struct {
+        PlainRect rect, area, expected;
+    } cases[] = {
+        {{100, 50, 900, 650}, work, {100, 50, 900, 650}},        // fits
+        {{2500, 100, 3300, 700}, work, {1120, 100, 1920, 700}},  // on a monitor that is gone, keeps its size
+        {{-300, -200, 500, 400}, work, {0, 0, 800, 600}},
+        {{-10, -10, 4000, 3000}, work, work},                    // larger than the area
+        {{0, 0, 800, 600}, second, {1920, 0, 2720, 600}},        // an area not at the origin
+    };
+    for (const auto& c : cases) {
+        const PlainRect r = ClampRectInto(c.rect, c.area);
+        EXPECT_EQ((std::vector<int>{r.left, r.top, r.right, r.bottom}),
+                  (std::vector<int>{c.expected.left, c.expected.top, c.expected.right, c.expected.bottom}));
+    }
+    // An inverted rectangle gets no size.
+    const PlainRect r = ClampRectInto({500, 500, 100, 100}, work);
+    EXPECT_EQ(r.right - r.left, 0);
+    EXPECT_EQ(r.bottom - r.top, 0);
+    EXPECT_GE(r.left, 0);
+}
+
+std::vector<uint8_t> Words(std::initializer_list<uint16_t> words) {
+    std::vector<uint8_t> bytes;
+    for (uint16_t w : words) bytes.insert(bytes.end(), {static_cast<uint8_t>(w & 0xff), static_cast<uint8_t>(w >> 8)});
+    return bytes;
+}
+
+TEST(ToolBarTemplate, ReadsSizeAndCommandsAndRejectsBrokenBlocks) {
+    auto padded = Words({1, 24, 24, 1, 7}), halfWord = Words({1, 16, 15, 2, 100});
+    padded.insert(padded.end(), {0, 0});  // resource padding
+    halfWord.push_back(0x65);             // 2.5 items: the second is not all there
+    const struct {
+        const char* what;
+        std::vector<uint8_t> bytes;
+        bool valid;
+        int width = 0, height = 0;
+        std::vector<uint16_t> commands = {};
+    } cases[] = {
+        {"separators", Words({1, 16, 15, 5, 2001, 2002, 0, 0x9c41, 2003}), true, 16, 15, {2001, 2002, 0, 0x9c41, 2003}},
+        {"padded", padded, true, 24, 24, {7}},
+        {"empty bar", Words({1, 16, 16, 0}), true, 16, 16},
+        {"wrong version", Words({2, 16, 15, 1, 100}), false},
+        {"count too large", Words({1, 16, 15, 3, 100, 101}), false},
+        {"half a word", halfWord, false},
+        {"zero image width", Words({1, 0, 15, 1, 100}), false},
+        {"header only", Words({1, 16, 15}), false},
+    };
+    for (const auto& c : cases) {
+        const auto parsed = ParseToolBarTemplate(c.bytes.data(), c.bytes.size());
+        ASSERT_EQ(parsed.has_value(), c.valid) << c.what;
+        if (!parsed) continue;
+        EXPECT_EQ(parsed->imageWidth, c.width) << c.what;
+        EXPECT_EQ(parsed->imageHeight, c.height) << c.what;
+        EXPECT_EQ(parsed->commands, c.commands) << c.what;
+    }
+    EXPECT_EQ(ParseToolBarTemplate(cases[0].bytes.data(), cases[0].bytes.size())->ImageCount(), 4u);  // not the separator
+    EXPECT_FALSE(ParseToolBarTemplate(nullptr, 0));
 }
 
 }  // namespace
