@@ -3,7 +3,6 @@
 // the list control, the status bar), against real files and the real registry.
 #include <windows.h>
 #include <commctrl.h>
-#include <psapi.h>
 #include <shlwapi.h>
 
 #include <gtest/gtest.h>
@@ -18,6 +17,7 @@
 #include "ImageCodecs.h"
 #include "ModuleTest.h"
 #include "TestFiles.h"
+#include "ThreadTestHelpers.h"
 
 using namespace lx;
 using lxtest::Dll;
@@ -199,12 +199,6 @@ TEST_F(ViewerTest, OpensTheFileAndListsItsFolderInLogicalOrder) {
     EXPECT_GE(pane.right, ListView_GetColumnWidth(info, 0) + ListView_GetStringWidth(info, date) + 8);
 }
 
-TEST_F(ViewerTest, AnEightBitLineAsRundll32PassesItIsRead) {
-    WriteBitmap(dir_ / "plain.bmp", 40, 30);
-    Viewer viewer(dir_ / "plain.bmp", true);
-    EXPECT_TRUE(viewer.WaitTitle(L"plain.bmp"));
-}
-
 TEST_F(ViewerTest, DeleteMovesForwardExceptAtTheEndAndTheLastFileClosesTheViewer) {
     for (int i = 0; i < 4; ++i) WriteBitmap(dir_ / ("p" + std::to_string(i) + ".bmp"), 40, 30, 40 * i);
     Viewer viewer(dir_ / "p3.bmp");
@@ -253,20 +247,6 @@ TEST_F(ViewerTest, ASecondOpenDuringALoadIsRefused) {
     ASSERT_TRUE(viewer.WaitTitle(L"big1.bmp", 60000));
     Sleep(1500);
     EXPECT_EQ(viewer.Title(), L"big1.bmp - " + kCaption);
-}
-
-TEST_F(ViewerTest, AStaleResultIsFreedAndNotShown) {
-    WriteBitmap(dir_ / "a.bmp", 40, 30);
-    Viewer viewer(dir_ / "a.bmp");
-    ASSERT_TRUE(viewer.WaitTitle(L"a.bmp"));
-    PackedDib other = PackedDib::Create(99, 77, 24);
-    HGLOBAL stale = GlobalAlloc(GMEM_MOVEABLE, other.bytes().size());
-    std::memcpy(GlobalLock(stale), other.bytes().data(), other.bytes().size());
-    GlobalUnlock(stale);
-    PostMessageW(viewer.frame(), RegisterWindowMessageW(L"wm_gmil_loadimagecompleted"), 12345,
-                 reinterpret_cast<LPARAM>(stale));
-    EXPECT_TRUE(WaitFor([&] { return GlobalSize(stale) == 0; }, 5000));  // freed by the frame
-    EXPECT_EQ(viewer.StatusText(4), L"40 x 30");
 }
 
 TEST_F(ViewerTest, SameSizeImagesKeepTheZoomAndASmallOneShowsAtOriginalSize) {
@@ -372,16 +352,14 @@ TEST_F(ViewerTest, TwoHundredImageChangesKeepMemoryAndHandlesFlat) {
         }
     };
     change(20);
-    PROCESS_MEMORY_COUNTERS before{sizeof before}, after{sizeof after};
-    K32GetProcessMemoryInfo(GetCurrentProcess(), &before, sizeof before);
+    const long long before = lxtest::PrivateBytes();
     const DWORD gdiBefore = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
     DWORD handlesBefore = 0, handlesAfter = 0;
     GetProcessHandleCount(GetCurrentProcess(), &handlesBefore);
     change(200);
-    K32GetProcessMemoryInfo(GetCurrentProcess(), &after, sizeof after);
     GetProcessHandleCount(GetCurrentProcess(), &handlesAfter);
     // Each picture is about 3 MB: a leak of one per change would add 600 MB.
-    EXPECT_LT(static_cast<long long>(after.PagefileUsage) - static_cast<long long>(before.PagefileUsage), 40LL << 20);
+    EXPECT_LT(lxtest::PrivateBytes() - before, 40LL << 20);
     EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), gdiBefore + 10);
     EXPECT_LE(handlesAfter, handlesBefore + 10);
 }
@@ -409,10 +387,20 @@ TEST_F(ViewerTest, KeysKeepWorkingAfterAltArrowsAndTheMainKeyboardStarZooms) {
     }
 }
 
-TEST_F(ViewerTest, HandOversToToolsNotBuiltKeepTheViewerAndItsPicture) {
+// Started with the eight-bit line rundll32 passes; a load result that is not the one awaited
+// is freed and not shown; hand-overs to tools not built keep the viewer and its picture.
+TEST_F(ViewerTest, AnEightBitLineAStaleResultAndHandOversToToolsNotBuilt) {
     WriteBitmap(dir_ / "h.bmp", 40, 30);
-    Viewer viewer(dir_ / "h.bmp");
+    Viewer viewer(dir_ / "h.bmp", true);
     ASSERT_TRUE(viewer.WaitTitle(L"h.bmp"));
+    PackedDib other = PackedDib::Create(99, 77, 24);
+    HGLOBAL stale = GlobalAlloc(GMEM_MOVEABLE, other.bytes().size());
+    std::memcpy(GlobalLock(stale), other.bytes().data(), other.bytes().size());
+    GlobalUnlock(stale);
+    PostMessageW(viewer.frame(), RegisterWindowMessageW(L"wm_gmil_loadimagecompleted"), 12345,
+                 reinterpret_cast<LPARAM>(stale));
+    EXPECT_TRUE(WaitFor([&] { return GlobalSize(stale) == 0; }, 5000));  // freed by the frame
+    EXPECT_EQ(viewer.StatusText(4), L"40 x 30");
     for (const auto& [command, frameClass] : {std::pair{2109, L"LXPHOTOEDIT_FRAME"}, {2107, L"LXSLIDESHOW_FRAME"}}) {
         EXPECT_FALSE(viewer.ToolEnabled(command)) << command;
         viewer.Command(command);

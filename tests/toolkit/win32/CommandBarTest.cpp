@@ -6,7 +6,6 @@
 // which carries the module's resources.
 #include <windows.h>
 #include <commctrl.h>
-#include <psapi.h>
 
 #include <gtest/gtest.h>
 
@@ -16,11 +15,14 @@
 #include <string>
 #include <vector>
 
-#include "CommandBar.h"
 #include "ActivationScope.h"
+#include "CommandBar.h"
+#include "ThreadTestHelpers.h"
 #include "Window.h"
 
 using namespace lx;
+using lxtest::Pump;
+using lxtest::RectInParent;
 
 namespace {
 
@@ -118,14 +120,6 @@ std::span<const MessageEntry<TestFrame>> TestFrame::Messages() {
     return table;
 }
 
-void Pump() {
-    MSG msg;
-    while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
-        TranslateMessage(&msg);
-        DispatchMessageW(&msg);
-    }
-}
-
 // ---- driving open popups ----
 
 BOOL CALLBACK FindPopup(HWND hwnd, LPARAM found) {
@@ -193,17 +187,11 @@ void CALLBACK RunScript(HWND, UINT, UINT_PTR, DWORD) {
     }
 }
 
-// A step that presses `keys` in the popup of `menu`.
-Step Press(HMENU menu, std::vector<WPARAM> keys) {
-    return {menu, [keys](HWND popup) {
-                for (WPARAM key : keys) PostKey(popup, key);
-            }};
-}
-
-// Notes which item of `menu` is highlighted when it opens, then presses `keys` in it.
-Step NoteHighlightThenPress(HMENU menu, int& highlight, std::vector<WPARAM> keys) {
-    return {menu, [menu, &highlight, keys](HWND popup) {
-                highlight = Highlighted(menu);
+// A step that presses `keys` in the popup of `menu`, noting first in `highlight` (if given)
+// which of its items is highlighted as it opens.
+Step Press(HMENU menu, std::vector<WPARAM> keys, int* highlight = nullptr) {
+    return {menu, [menu, keys, highlight](HWND popup) {
+                if (highlight) *highlight = Highlighted(menu);
                 for (WPARAM key : keys) PostKey(popup, key);
             }};
 }
@@ -234,29 +222,7 @@ void Click(HWND toolBar, int index) {
     SendMessageW(toolBar, WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
 }
 
-MSG KeyMessage(HWND hwnd, UINT message, WPARAM key, LPARAM flags = 1) {
-    MSG msg{};
-    msg.hwnd = hwnd;
-    msg.message = message;
-    msg.wParam = key;
-    msg.lParam = flags;
-    return msg;
-}
-
-std::wstring ButtonText(HWND toolBar, int index) {
-    TBBUTTON button{};
-    SendMessageW(toolBar, TB_GETBUTTON, index, reinterpret_cast<LPARAM>(&button));
-    wchar_t text[64] = {};
-    SendMessageW(toolBar, TB_GETBUTTONTEXTW, button.idCommand, reinterpret_cast<LPARAM>(text));
-    return text;
-}
-
-RECT RectIn(HWND child) {
-    RECT rc{};
-    GetWindowRect(child, &rc);
-    MapWindowPoints(nullptr, GetParent(child), reinterpret_cast<POINT*>(&rc), 2);
-    return rc;
-}
+MSG KeyMessage(HWND hwnd, UINT message, WPARAM key, LPARAM flags = 1) { return MSG{hwnd, message, key, flags}; }
 
 // A shown frame with its bar, built from the resource module.
 class CommandBarTest : public ::testing::Test {
@@ -302,7 +268,7 @@ TEST(CommandBarText, MnemonicsAndCommandLines) {
     }
 }
 
-TEST_F(CommandBarTest, BuildsTheRebarWithBothBandsAndTakesTheMenuOffTheWindow) {
+TEST_F(CommandBarTest, BuildsTheRebarTakesTheMenuOffTheWindowAndTheTopOverTheFullWidth) {
     EXPECT_EQ(GetMenu(frame.hwnd()), nullptr);
     ASSERT_EQ(GetDlgItem(frame.hwnd(), kRebarId), bar.hwnd());
     wchar_t name[32] = {};
@@ -320,8 +286,13 @@ TEST_F(CommandBarTest, BuildsTheRebarWithBothBandsAndTakesTheMenuOffTheWindow) {
     }
     auto buttons = [&] {
         std::vector<std::wstring> texts;
-        for (int i = 0; i < SendMessageW(bar.MenuBar(), TB_BUTTONCOUNT, 0, 0); ++i)
-            texts.push_back(ButtonText(bar.MenuBar(), i));
+        for (int i = 0; i < SendMessageW(bar.MenuBar(), TB_BUTTONCOUNT, 0, 0); ++i) {
+            TBBUTTON button{};
+            wchar_t text[64] = {};
+            SendMessageW(bar.MenuBar(), TB_GETBUTTON, i, reinterpret_cast<LPARAM>(&button));
+            SendMessageW(bar.MenuBar(), TB_GETBUTTONTEXTW, button.idCommand, reinterpret_cast<LPARAM>(text));
+            texts.push_back(text);
+        }
         return texts;
     };
     EXPECT_EQ(buttons(), (std::vector<std::wstring>{L"ファイル(&F)", L"編集(&E)", L"表示(&V)"}));
@@ -334,9 +305,8 @@ TEST_F(CommandBarTest, BuildsTheRebarWithBothBandsAndTakesTheMenuOffTheWindow) {
     InsertMenuW(bar.Menu(), 1, MF_BYPOSITION | MF_POPUP, reinterpret_cast<UINT_PTR>(extra), L"フィルタ(&P)");
     bar.RefreshMenu();
     EXPECT_EQ(buttons(), (std::vector<std::wstring>{L"ファイル(&F)", L"フィルタ(&P)", L"編集(&E)", L"表示(&V)"}));
-}
 
-TEST_F(CommandBarTest, TakesTheTopOverTheFullWidthAndReportsItsHeight) {
+    // The bar takes the top of the frame over its full width.
     const int height = bar.Height();
     RECT button{};
     SendMessageW(bar.MenuBar(), TB_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&button));
@@ -345,7 +315,7 @@ TEST_F(CommandBarTest, TakesTheTopOverTheFullWidthAndReportsItsHeight) {
         SetWindowPos(frame.hwnd(), nullptr, 0, 0, width, 400, SWP_NOMOVE | SWP_NOZORDER);
         RECT client{};
         GetClientRect(frame.hwnd(), &client);
-        const RECT rc = RectIn(bar.hwnd());
+        const RECT rc = RectInParent(bar.hwnd());
         EXPECT_EQ(rc.left, 0);
         EXPECT_EQ(rc.top, 0);
         EXPECT_EQ(rc.right, client.right) << width;
@@ -354,14 +324,13 @@ TEST_F(CommandBarTest, TakesTheTopOverTheFullWidthAndReportsItsHeight) {
 
     // A taller band makes a taller rebar, and the frame is laid out again for it.
     const int sizedBefore = frame.sized;
-    REBARBANDINFOW band{sizeof(band)};
     band.fMask = RBBIM_CHILDSIZE;
     SendMessageW(bar.hwnd(), RB_GETBANDINFOW, 1, reinterpret_cast<LPARAM>(&band));
     band.cyMinChild += 20;
     SendMessageW(bar.hwnd(), RB_SETBANDINFOW, 1, reinterpret_cast<LPARAM>(&band));
     EXPECT_GE(bar.Height(), height + 20);
     EXPECT_GT(frame.sized, sizedBefore);
-    EXPECT_EQ(RectIn(bar.hwnd()).bottom, bar.Height());
+    EXPECT_EQ(RectInParent(bar.hwnd()).bottom, bar.Height());
 }
 
 TEST_F(CommandBarTest, AClickDropsThePopupAndTheChosenCommandReachesTheFrame) {
@@ -416,7 +385,7 @@ TEST_F(CommandBarTest, ThePointerAndTheArrowsMoveBetweenOpenMenus) {
               Press(view, {VK_RIGHT}),  // wraps to the first
               Press(file, {VK_LEFT}),   // and back
               Press(view, {VK_LEFT}),
-              NoteHighlightThenPress(edit, editHighlight, {VK_DOWN, VK_RETURN})},
+              Press(edit, {VK_DOWN, VK_RETURN}, &editHighlight)},
              [&] { Click(bar.MenuBar(), 0); });
     EXPECT_EQ(editHighlight, 0);  // opened from a key: first item
     EXPECT_EQ(frame.commands, std::vector<UINT>{2123});
@@ -424,23 +393,23 @@ TEST_F(CommandBarTest, ThePointerAndTheArrowsMoveBetweenOpenMenus) {
     EXPECT_EQ(frame.popups, order);
 }
 
-TEST_F(CommandBarTest, RightOpensASubmenuThatTheFrameFilledWhenItOpened) {
-    HMENU recent = GetSubMenu(Popup(0), 3);
-    MSG alt = Key(WM_SYSCHAR, L'f', 0x20000001);
-    RunSteps({Press(Popup(0), {VK_UP, VK_RIGHT}),  // from the first item up to the last: the submenu
-              Press(recent, {VK_DOWN, VK_RETURN})},
-             [&] { EXPECT_TRUE(bar.PreTranslate(alt)); });
-    EXPECT_EQ(frame.commands, std::vector<UINT>{kRecentFirst + 1});
-    const std::vector<HMENU> order = {Popup(0), recent};
-    EXPECT_EQ(frame.popups, order);
-}
-
-TEST_F(CommandBarTest, AltMnemonicOpensItsMenuWithTheFirstItemSelected) {
+TEST_F(CommandBarTest, AltMnemonicOpensItsMenuWithTheFirstItemSelectedAndRightASubmenu) {
     int highlight = -2;
     MSG alt = KeyMessage(GetDlgItem(bar.hwnd(), CommandBar::kToolBarId), WM_SYSCHAR, L'e', 0x20000001);
-    RunSteps({NoteHighlightThenPress(Popup(1), highlight, {VK_RETURN})}, [&] { EXPECT_TRUE(bar.PreTranslate(alt)); });
+    RunSteps({Press(Popup(1), {VK_RETURN}, &highlight)}, [&] { EXPECT_TRUE(bar.PreTranslate(alt)); });
     EXPECT_EQ(highlight, 0);
     EXPECT_EQ(frame.commands, std::vector<UINT>{2031});
+
+    // Right on a submenu opens it, filled by the frame as it opened.
+    HMENU recent = GetSubMenu(Popup(0), 3);
+    MSG altF = Key(WM_SYSCHAR, L'f', 0x20000001);
+    frame.commands.clear();
+    frame.popups.clear();
+    RunSteps({Press(Popup(0), {VK_UP, VK_RIGHT}),  // from the first item up to the last: the submenu
+              Press(recent, {VK_DOWN, VK_RETURN})},
+             [&] { EXPECT_TRUE(bar.PreTranslate(altF)); });
+    EXPECT_EQ(frame.commands, std::vector<UINT>{kRecentFirst + 1});
+    EXPECT_EQ(frame.popups, (std::vector<HMENU>{Popup(0), recent}));
 
     MSG none = Key(WM_SYSCHAR, L'q', 0x20000001);
     EXPECT_FALSE(bar.PreTranslate(none));  // no such mnemonic: left to the system
@@ -485,7 +454,7 @@ TEST_F(CommandBarTest, F10AndALoneAltDriveTheKeyboardMode) {
     // Enter opens the hot menu with its first item selected; Esc there comes back to the bar.
     int highlight = -2;
     MSG enter = Key(WM_KEYDOWN, VK_RETURN);
-    RunSteps({NoteHighlightThenPress(Popup(1), highlight, {VK_ESCAPE})}, [&] { EXPECT_TRUE(bar.PreTranslate(enter)); });
+    RunSteps({Press(Popup(1), {VK_ESCAPE}, &highlight)}, [&] { EXPECT_TRUE(bar.PreTranslate(enter)); });
     EXPECT_EQ(highlight, 0);
     EXPECT_EQ(bar.KeyboardHot(), 1);
     // A letter in keyboard mode opens by mnemonic.
@@ -603,12 +572,6 @@ TEST_F(CommandBarFrames, AMissingResourceFailsAndLeavesNoBar) {
 }
 
 TEST_F(CommandBarFrames, ManyFramesLeaveNoMenusImagesOrMemoryBehind) {
-    auto privateBytes = [] {
-        PROCESS_MEMORY_COUNTERS_EX counters{sizeof(counters)};
-        GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
-                             sizeof(counters));
-        return static_cast<long long>(counters.PagefileUsage);  // the committed private bytes
-    };
     // Handles are checked at once: a later frame may be given the same values again.
     int leftOver = 0;
     auto cycle = [&](int i) {
@@ -628,9 +591,9 @@ TEST_F(CommandBarFrames, ManyFramesLeaveNoMenusImagesOrMemoryBehind) {
         if (IsWindow(hwnd) || IsMenu(menu) || image == nullptr || GetObjectType(image) != 0) ++leftOver;
     };
     for (int i = 0; i < 20; ++i) cycle(i);
-    const long long before = privateBytes();
+    const long long before = lxtest::PrivateBytes();
     for (int i = 0; i < 300; ++i) cycle(i);
-    const long long growth = privateBytes() - before;
+    const long long growth = lxtest::PrivateBytes() - before;
     EXPECT_EQ(leftOver, 0);
     EXPECT_LT(growth, 512 * 1024) << "bytes kept over 300 frames";  // a strip bitmap leaked per frame keeps 1.2 MB
 }

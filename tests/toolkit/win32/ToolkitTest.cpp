@@ -8,9 +8,11 @@
 #include "ImageStrip.h"
 #include "Splitter.h"
 #include "StatusBar.h"
+#include "ThreadTestHelpers.h"
 #include "Window.h"
 
 using namespace lx;
+using lxtest::RectInParent;
 
 namespace {
 
@@ -37,13 +39,6 @@ std::span<const MessageEntry<Probe>> Probe::Messages() {
 HWND TopWindow() {
     return CreateWindowExW(0, L"STATIC", L"toolkit test", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 600, 400, nullptr,
                            nullptr, GetModuleHandleW(nullptr), nullptr);
-}
-
-RECT WindowIn(HWND child) {
-    RECT rc{};
-    GetWindowRect(child, &rc);
-    MapWindowPoints(nullptr, GetParent(child), reinterpret_cast<POINT*>(&rc), 2);
-    return rc;
 }
 
 }  // namespace
@@ -86,10 +81,10 @@ TEST(ToolkitSplitter, PlacesPanesDragsWithinMinimumsAndShowsOnePane) {
     splitter.SetPanes(a, b);
     splitter.SetMinimums(50, 60);
     splitter.SetPosition(100);
-    EXPECT_EQ(WindowIn(a).right, 100);
-    EXPECT_EQ(WindowIn(b).left, 104);
-    EXPECT_EQ(WindowIn(b).right, 400);
-    EXPECT_EQ(WindowIn(b).bottom, 300);
+    EXPECT_EQ(RectInParent(a).right, 100);
+    EXPECT_EQ(RectInParent(b).left, 104);
+    EXPECT_EQ(RectInParent(b).right, 400);
+    EXPECT_EQ(RectInParent(b).bottom, 300);
 
     // Drag the bar by its middle; the pane widths follow and the far minimum holds.
     SendMessageW(splitter.hwnd(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(102, 10));
@@ -98,7 +93,7 @@ TEST(ToolkitSplitter, PlacesPanesDragsWithinMinimumsAndShowsOnePane) {
     SendMessageW(splitter.hwnd(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(399, 10));
     SendMessageW(splitter.hwnd(), WM_LBUTTONUP, 0, MAKELPARAM(399, 10));
     EXPECT_EQ(splitter.Position(), 400 - 4 - 60);
-    EXPECT_EQ(WindowIn(b).left, 340);
+    EXPECT_EQ(RectInParent(b).left, 340);
     // A press off the bar does not drag.
     SendMessageW(splitter.hwnd(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(10, 10));
     SendMessageW(splitter.hwnd(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(150, 10));
@@ -106,15 +101,15 @@ TEST(ToolkitSplitter, PlacesPanesDragsWithinMinimumsAndShowsOnePane) {
 
     splitter.ShowOnly(1);
     EXPECT_FALSE(IsWindowVisible(a));
-    EXPECT_EQ(WindowIn(b).left, 0);
-    EXPECT_EQ(WindowIn(b).right, 400);
+    EXPECT_EQ(RectInParent(b).left, 0);
+    EXPECT_EQ(RectInParent(b).right, 400);
     splitter.ShowOnly(-1);
     EXPECT_TRUE(IsWindowVisible(a));
-    EXPECT_EQ(WindowIn(b).left, 340);
+    EXPECT_EQ(RectInParent(b).left, 340);
     // Keeping the second pane's size: the first takes the change as the splitter grows.
     splitter.SetSecondSize(100);
     SetWindowPos(splitter.hwnd(), nullptr, 0, 0, 500, 300, SWP_NOZORDER);
-    EXPECT_EQ(WindowIn(b).left, 400);
+    EXPECT_EQ(RectInParent(b).left, 400);
     EXPECT_EQ(splitter.Position(), 396);
     DestroyWindow(top);
     EXPECT_EQ(splitter.hwnd(), nullptr);

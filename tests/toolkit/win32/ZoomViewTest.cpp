@@ -2,7 +2,6 @@
 // draws (read back through WM_PRINTCLIENT into a DIB section, and once from the screen),
 // selection, the settings records, notifications and resource use.
 #include <windows.h>
-#include <psapi.h>
 
 #include <gtest/gtest.h>
 
@@ -50,33 +49,8 @@ PackedDib Picture(int width, int height, const std::function<uint32_t(int, int)>
 
 uint32_t Distinct(int x, int y) { return (x * 37 + y * 11) % 256 << 16 | (x * 5) % 256 << 8 | (y * 7) % 256; }
 
-// What the control draws, as 0xRRGGBB, row by row from the top.
-struct Shot {
-    int width = 0, height = 0;
-    std::vector<uint32_t> pixels;
-    uint32_t at(int x, int y) const { return pixels[static_cast<size_t>(y) * width + x] & 0xffffff; }
-};
-
-Shot Capture(HWND view) {
-    RECT rc{};
-    GetClientRect(view, &rc);
-    Shot shot;
-    shot.width = rc.right;
-    shot.height = rc.bottom;
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof(BITMAPINFOHEADER), rc.right, -rc.bottom, 1, 32, BI_RGB};
-    void* bits = nullptr;
-    HDC dc = CreateCompatibleDC(nullptr);
-    HBITMAP bitmap = CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    HGDIOBJ old = SelectObject(dc, bitmap);
-    SendMessageW(view, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc), PRF_CLIENT);
-    GdiFlush();
-    shot.pixels.assign(static_cast<uint32_t*>(bits), static_cast<uint32_t*>(bits) + rc.right * rc.bottom);
-    SelectObject(dc, old);
-    DeleteObject(bitmap);
-    DeleteDC(dc);
-    return shot;
-}
+using lxtest::Shot;
+Shot Capture(HWND view) { return lxtest::PrintClient(view); }
 
 int Channel(uint32_t c, int shift) { return static_cast<int>((c >> shift) & 0xff); }
 
@@ -112,6 +86,12 @@ protected:
         return rc;
     }
     void Select(RECT rc) { Send(kZvSetSelection, 0, reinterpret_cast<LPARAM>(&rc)); }
+    ZoomViewSettings Read(uint32_t mask) {
+        ZoomViewSettings settings{};
+        settings.mask = mask;
+        Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&settings));
+        return settings;
+    }
 
     HWND frame_ = nullptr;
     HWND view_ = nullptr;
@@ -121,18 +101,34 @@ bool operator==(const RECT& a, const RECT& b) {
     return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
 }
 
-TEST_F(ZoomViewTest, AnEmptyViewAnswersWithNoImageAndFullSize) {
+// A block that does not hold the pixels its header promises is held for the caller but
+// shown as no picture at all.
+TEST_F(ZoomViewTest, AnEmptyViewOrAMalformedBlockAnswersWithNoPictureAndShowsTheBackground) {
     EXPECT_EQ(Send(kZvGetImage), 0);
     EXPECT_EQ(Send(kZvGetZoom), 1000);
-    RECT rc{1, 2, 3, 4};
-    EXPECT_EQ(Send(kZvGetSelection, 0, reinterpret_cast<LPARAM>(&rc)), 0);
-    EXPECT_TRUE((rc == RECT{0, 0, 0, 0}));
     EXPECT_EQ(Send(kZvCanZoom), MAKELONG(1, 1));
-    // The background is what it was told, everywhere.
-    EXPECT_EQ(Send(kZvSetBackground, 0, 0x123456), 0x464646);
-    const Shot shot = Capture(view_);
-    EXPECT_EQ(shot.at(0, 0), 0x563412u);  // COLORREF 0x00BBGGRR read back as 0xRRGGBB
-    EXPECT_EQ(shot.at(kViewWidth - 1, kViewHeight - 1), 0x563412u);
+    HGLOBAL junk = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, 64);
+    auto* bytes = static_cast<uint8_t*>(GlobalLock(junk));
+    bytes[0] = 40;
+    bytes[4] = bytes[8] = 0xff;  // 255 x 255, far more pixels than the block holds
+    bytes[12] = 1;
+    bytes[14] = 24;
+    GlobalUnlock(junk);
+    for (HGLOBAL held : {static_cast<HGLOBAL>(nullptr), junk}) {
+        EXPECT_EQ(Send(kZvSetImage, 1, reinterpret_cast<LPARAM>(held)), 0);
+        EXPECT_EQ(reinterpret_cast<HGLOBAL>(Send(kZvGetImage)), held);  // still the caller's to get back
+        RECT rc{1, 2, 3, 4};
+        EXPECT_EQ(Send(kZvGetSelection, 0, reinterpret_cast<LPARAM>(&rc)), 0);
+        EXPECT_TRUE((rc == RECT{0, 0, 0, 0}));
+        // The background is what it was told, everywhere.
+        EXPECT_EQ(Send(kZvSetBackground, 0, 0x123456), held ? 0x123456 : 0x464646);
+        const Shot shot = Capture(view_);
+        EXPECT_EQ(shot.at(0, 0), 0x563412u);  // COLORREF 0x00BBGGRR read back as 0xRRGGBB
+        EXPECT_EQ(shot.at(kViewWidth / 2, kViewHeight / 2), 0x563412u);
+        EXPECT_EQ(shot.at(kViewWidth - 1, kViewHeight - 1), 0x563412u);
+    }
+    EXPECT_EQ(reinterpret_cast<HGLOBAL>(Send(kZvSetImage, 1, 0)), junk);
+    GlobalFree(junk);
 }
 
 TEST_F(ZoomViewTest, SetImageHandsBackThePreviousHandleAndCopiesWhenOnlyLent) {
@@ -166,9 +162,7 @@ TEST_F(ZoomViewTest, FromFullSizeUpEveryPixelIsRepeatedCentredAlsoOnTheScreen) {
     auto expectPixels = [&](int scale) {
         EXPECT_EQ(Send(kZvSetZoom, 1000 * scale), 1000 * scale);
         const Shot shot = Capture(view_);
-        ZoomViewSettings at{};
-        at.mask = kSettingsScroll;
-        Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&at));
+        const ZoomViewSettings at = Read(kSettingsScroll);
         const int ox = std::max(0, (shot.width - 60 * scale) / 2) - at.scrollX;
         const int oy = std::max(0, (shot.height - 50 * scale) / 2) - at.scrollY;
         int wrong = 0;
@@ -192,7 +186,7 @@ TEST_F(ZoomViewTest, FromFullSizeUpEveryPixelIsRepeatedCentredAlsoOnTheScreen) {
     EXPECT_EQ(RGB(Channel(want, 16), Channel(want, 8), Channel(want, 0)), corner);
 }
 
-TEST_F(ZoomViewTest, HalfSizeShowsTheAreaAverageNotAPointSample) {
+TEST_F(ZoomViewTest, HalfSizeShowsTheAreaAverageNotAPointSampleAlsoOfPalettePictures) {
     // Alternating black and white columns; rows of 2x2 blocks with one odd pixel each.
     const PackedDib dib = Picture(200, 100, [](int x, int y) -> uint32_t {
         if (y < 50) return (x % 2) ? 0xffffff : 0x000000;
@@ -212,6 +206,20 @@ TEST_F(ZoomViewTest, HalfSizeShowsTheAreaAverageNotAPointSample) {
     }
     EXPECT_EQ(shot.at(ox - 1, oy + 10), 0x464646u);
     EXPECT_EQ(shot.at(ox + 100, oy + 10), 0x464646u);
+
+    // A palette picture shows its colours, at full size and reduced.
+    PackedDib indexed = PackedDib::Create(64, 32, 8);
+    for (int i = 0; i < 256; ++i) indexed.palette()[i] = Rgbq{static_cast<uint8_t>(i), 0, static_cast<uint8_t>(255 - i), 0};
+    for (int y = 0; y < 32; ++y)
+        for (int x = 0; x < 64; ++x) indexed.row(y)[x] = static_cast<uint8_t>(x < 32 ? 10 : 200);
+    Show(indexed);
+    for (int zoom : {1000, 500}) {
+        Send(kZvSetZoom, zoom);
+        const Shot palette = Capture(view_);
+        const int px = (kViewWidth - 64 * zoom / 1000) / 2, py = (kViewHeight - 32 * zoom / 1000) / 2;
+        EXPECT_EQ(palette.at(px + 5 * zoom / 1000, py + 3), 0xf5000au) << zoom;   // red 245, blue 10
+        EXPECT_EQ(palette.at(px + 56 * zoom / 1000, py + 3), 0x3700c8u) << zoom;  // red 55, blue 200
+    }
 }
 
 TEST_F(ZoomViewTest, ZoomCommandsStepFitAndClamp) {
@@ -291,22 +299,18 @@ TEST_F(ZoomViewTest, DraggingSelectsInImagePixelsAndTheHandScrolls) {
     settings.tool = kToolHand;
     EXPECT_EQ(Send(kZvApplySettings, 0, reinterpret_cast<LPARAM>(&settings)), 1);
     Send(kZvSetZoom, 4000);
-    ZoomViewSettings before{};
-    before.mask = kSettingsScroll;
-    Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&before));
+    const ZoomViewSettings before = Read(kSettingsScroll);
     Send(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(200, 150));
     Send(WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(190, 120));
     Send(WM_LBUTTONUP, 0, MAKELPARAM(190, 120));
-    ZoomViewSettings after{};
-    after.mask = kSettingsScroll;
-    Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&after));
+    ZoomViewSettings after = Read(kSettingsScroll);
     EXPECT_EQ(after.scrollX, before.scrollX + 10);
     EXPECT_EQ(after.scrollY, before.scrollY + 30);
 
     // Keys scroll too, and End goes to the far end of the 400-pixel picture.
     Send(WM_KEYDOWN, VK_RIGHT);
     Send(WM_KEYDOWN, VK_END);
-    Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&after));
+    after = Read(kSettingsScroll);
     EXPECT_GT(after.scrollX, before.scrollX + 10);
     RECT client{};
     GetClientRect(view_, &client);
@@ -316,9 +320,7 @@ TEST_F(ZoomViewTest, DraggingSelectsInImagePixelsAndTheHandScrolls) {
 TEST_F(ZoomViewTest, SettingsRecordsRoundTripAndAShortOneIsNotOverrun) {
     Show(Picture(1000, 1000, Distinct));
     Send(kZvSetZoom, 2000);
-    ZoomViewSettings record{};
-    record.mask = 0xffffffff;
-    ASSERT_EQ(Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&record)), 1);
+    ZoomViewSettings record = Read(0xffffffff);
     EXPECT_EQ(record.zoom, 2000);  // byte 48: the header asserts the layout
 
     // As a stored record: another zoom, a grid and a scroll position come back as set.
@@ -329,9 +331,7 @@ TEST_F(ZoomViewTest, SettingsRecordsRoundTripAndAShortOneIsNotOverrun) {
     record.gridStep = 8;
     ASSERT_EQ(Send(kZvApplySettings, 0, reinterpret_cast<LPARAM>(&record)), 1);
     EXPECT_EQ(Send(kZvGetZoom), 3000);
-    ZoomViewSettings back{};
-    back.mask = 0xffffffff;
-    Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&back));
+    const ZoomViewSettings back = Read(0xffffffff);
     EXPECT_EQ(std::memcmp(&back, &record, sizeof(record)), 0);
 
     // A record that says it is short is not written past its end.
@@ -374,41 +374,22 @@ TEST_F(ZoomViewTest, ReplacingKeepsThePositionSettingScrollsHome) {
     at.scrollY = 200;
     Send(kZvApplySettings, 0, reinterpret_cast<LPARAM>(&at));
     Show(Picture(1000, 1000, Distinct), kZvReplaceImage);  // an edit of the same picture
-    ZoomViewSettings now{};
-    now.mask = kSettingsScroll | kSettingsZoom;
-    Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&now));
+    ZoomViewSettings now = Read(kSettingsScroll | kSettingsZoom);
     EXPECT_EQ(now.scrollX, 300);
     EXPECT_EQ(now.scrollY, 200);
     EXPECT_EQ(now.zoom, 2000);
     ZoomViewSettings kept = now;
     EXPECT_EQ(kept.mask, 144u);  // as the viewer sends it
     Show(Picture(1000, 1000, Distinct), kZvSetImage);  // another picture
-    Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&now));
+    now = Read(now.mask);
     EXPECT_EQ(now.scrollX, 0);
     EXPECT_EQ(now.scrollY, 0);
     EXPECT_EQ(now.zoom, 2000);
     // The viewer's round for a same-size picture: the record read before brings it back.
     Send(kZvApplySettings, 0, reinterpret_cast<LPARAM>(&kept));
-    Send(kZvReadSettings, 0, reinterpret_cast<LPARAM>(&now));
+    now = Read(now.mask);
     EXPECT_EQ(now.scrollX, 300);
     EXPECT_EQ(now.scrollY, 200);
-}
-
-TEST_F(ZoomViewTest, PaletteImagesShowTheirColoursFullAndReduced) {
-    PackedDib dib = PackedDib::Create(64, 32, 8);
-    for (int i = 0; i < 256; ++i) dib.palette()[i] = Rgbq{static_cast<uint8_t>(i), 0, static_cast<uint8_t>(255 - i), 0};
-    for (int y = 0; y < 32; ++y)
-        for (int x = 0; x < 64; ++x) dib.row(y)[x] = static_cast<uint8_t>(x < 32 ? 10 : 200);
-    Show(dib);
-    Shot shot = Capture(view_);
-    const int ox = (kViewWidth - 64) / 2, oy = (kViewHeight - 32) / 2;
-    EXPECT_EQ(shot.at(ox + 5, oy + 5), 0xf5000au);   // red 245, blue 10
-    EXPECT_EQ(shot.at(ox + 40, oy + 5), 0x3700c8u);  // red 55, blue 200
-    Send(kZvSetZoom, 500);
-    shot = Capture(view_);
-    const int rx = (kViewWidth - 32) / 2, ry = (kViewHeight - 16) / 2;
-    EXPECT_EQ(shot.at(rx + 3, ry + 3), 0xf5000au);
-    EXPECT_EQ(shot.at(rx + 28, ry + 3), 0x3700c8u);
 }
 
 TEST_F(ZoomViewTest, AfterAFitResizingFitsAgainWhenTheOptionAsks) {
@@ -429,46 +410,17 @@ TEST_F(ZoomViewTest, AfterAFitResizingFitsAgainWhenTheOptionAsks) {
     EXPECT_EQ(Send(kZvZoomCommand, kZoomWhole), 10000);
 }
 
-TEST_F(ZoomViewTest, AMalformedBlockIsHeldButNotShown) {
-    HGLOBAL junk = GlobalAlloc(GMEM_MOVEABLE, 64);
-    auto* bytes = static_cast<uint8_t*>(GlobalLock(junk));
-    std::memset(bytes, 0, 64);
-    bytes[0] = 40;
-    bytes[4] = 0xff;  // width 255
-    bytes[8] = 0xff;  // height 255, far more pixels than the block holds
-    bytes[12] = 1;
-    bytes[14] = 24;
-    GlobalUnlock(junk);
-    EXPECT_EQ(Send(kZvSetImage, 1, reinterpret_cast<LPARAM>(junk)), 0);
-    EXPECT_EQ(reinterpret_cast<HGLOBAL>(Send(kZvGetImage)), junk);  // still the caller's to get back
-    RECT rc{};
-    EXPECT_EQ(Send(kZvGetSelection, 0, reinterpret_cast<LPARAM>(&rc)), 0);  // no picture
-    const Shot shot = Capture(view_);
-    EXPECT_EQ(shot.at(kViewWidth / 2, kViewHeight / 2), 0x464646u);
-    EXPECT_EQ(reinterpret_cast<HGLOBAL>(Send(kZvSetImage, 1, 0)), junk);
-    GlobalFree(junk);
-}
-
-size_t PrivateBytes() {
-    PROCESS_MEMORY_COUNTERS_EX counters{};
-    counters.cb = sizeof(counters);
-    GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof(counters));
-    return counters.PagefileUsage;
-}
-
-// The view keeps one copy of a picture while it shows it: the block it was handed.
-TEST_F(ZoomViewTest, APictureShownIsHeldOnce) {
-    const PackedDib big = Picture(2000, 1500, Distinct);  // 9 MB
-    const size_t before = PrivateBytes();
-    Show(big);
-    Capture(view_);
-    EXPECT_LT(PrivateBytes() - before, big.bytes().size() * 3 / 2);
-}
-
 // Windows counts GDI and USER objects and kernel handles; Wine reports 0 for those counts, so
 // there the private memory stands in: every picture, cached reduction and DIB section is
 // hundreds of kilobytes, and 200 lost ones would be over a hundred megabytes.
-TEST_F(ZoomViewTest, GdiObjectsHandlesAndMemoryStayFlatOver200Pictures) {
+TEST_F(ZoomViewTest, APictureIsHeldOnceAndResourcesStayFlatOver200Pictures) {
+    // While the view shows a picture it keeps one copy: the block it was handed.
+    const PackedDib big = Picture(2000, 1500, Distinct);  // 9 MB
+    const long long held = lxtest::PrivateBytes();
+    Show(big);
+    Capture(view_);
+    EXPECT_LT(lxtest::PrivateBytes() - held, static_cast<long long>(big.bytes().size() * 3 / 2));
+
     const PackedDib a = Picture(600, 400, Distinct), b = Picture(500, 420, Distinct);
     auto cycle = [&](int i) {
         Show(i % 2 ? a : b, i % 3 ? kZvSetImage : kZvReplaceImage);
@@ -481,15 +433,15 @@ TEST_F(ZoomViewTest, GdiObjectsHandlesAndMemoryStayFlatOver200Pictures) {
     const DWORD user = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
     DWORD handles = 0;
     GetProcessHandleCount(GetCurrentProcess(), &handles);
-    const size_t memory = PrivateBytes();
-    ASSERT_GT(memory, 0u);
+    const long long memory = lxtest::PrivateBytes();
+    ASSERT_GT(memory, 0);
     for (int i = 0; i < 200; ++i) cycle(i);
     DWORD handlesAfter = 0;
     GetProcessHandleCount(GetCurrentProcess(), &handlesAfter);
     EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), gdi + 2);
     EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS), user + 2);
     EXPECT_LE(handlesAfter, handles + 2);
-    EXPECT_LT(PrivateBytes(), memory + 16u * 1024 * 1024);
+    EXPECT_LT(lxtest::PrivateBytes(), memory + (16 << 20));
 }
 
 }  // namespace

@@ -3,10 +3,10 @@
 // natural sorting, Find, failed thumbnails, stopping while thumbnails are made, the drawing
 // (read back through WM_PRINTCLIENT) and resources over many List/Clear cycles.
 #include <windows.h>
-#include <psapi.h>
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -201,22 +201,27 @@ TEST_F(ThumbnailListViewTest, AFailedThumbnailIsNotTriedAgainWhenAPassResumes) {
     for (int i = 1; i < 150; ++i) EXPECT_NE(list_->ItemAt(i)->thumbnail, nullptr) << i;
 }
 
-TEST_F(ThumbnailListViewTest, ClearEndsTheThreadBeforeFreeingAndSurvivesQuickCycles) {
+// Clear, and destroying the window, end the thread before they free the items it works on.
+TEST_F(ThumbnailListViewTest, ClearAndDestroyEndTheThreadBeforeFreeingAndQuickCyclesAreSafe) {
     Images(120, 800, 600);
     const int threadsBefore = ThreadsOfThisProcess();
-    list_->List(Path("img60.bmp"));
-    while (g_loaded.size() < 3 && MsgWaitForMultipleObjects(0, nullptr, FALSE, 20000, QS_ALLINPUT) == WAIT_OBJECT_0)
-        Pump();
-    HANDLE copy = nullptr;
-    ASSERT_TRUE(DuplicateHandle(GetCurrentProcess(), list_->ListingThread(), GetCurrentProcess(), &copy, SYNCHRONIZE,
-                                FALSE, 0));
-    EXPECT_EQ(WaitForSingleObject(copy, 0), static_cast<DWORD>(WAIT_TIMEOUT));
-    list_->Clear();
-    EXPECT_EQ(WaitForSingleObject(copy, 0), static_cast<DWORD>(WAIT_OBJECT_0));
-    CloseHandle(copy);
-    EXPECT_EQ(list_->Count(), 0);
+    auto listThenEnd = [&](const std::function<void()>& end) {
+        g_loaded.clear();
+        list_->List(Path("img60.bmp"));
+        while (g_loaded.size() < 3 && MsgWaitForMultipleObjects(0, nullptr, FALSE, 20000, QS_ALLINPUT) == WAIT_OBJECT_0)
+            Pump();
+        HANDLE copy = nullptr;
+        ASSERT_TRUE(DuplicateHandle(GetCurrentProcess(), list_->ListingThread(), GetCurrentProcess(), &copy,
+                                    SYNCHRONIZE, FALSE, 0));
+        EXPECT_EQ(WaitForSingleObject(copy, 0), static_cast<DWORD>(WAIT_TIMEOUT));
+        end();
+        EXPECT_EQ(WaitForSingleObject(copy, 0), static_cast<DWORD>(WAIT_OBJECT_0));
+        CloseHandle(copy);
+        EXPECT_EQ(list_->Count(), 0);
+        EXPECT_EQ(list_->ListingThread(), nullptr);
+    };
+    listThenEnd([&] { list_->Clear(); });
     EXPECT_EQ(ListView_GetItemCount(list_->hwnd()), 0);
-    EXPECT_EQ(list_->ListingThread(), nullptr);
 
     // Listing again and again without waiting: each List ends the previous thread, also
     // while it is still enumerating or inside its hand-over to the window.
@@ -227,20 +232,18 @@ TEST_F(ThumbnailListViewTest, ClearEndsTheThreadBeforeFreeingAndSurvivesQuickCyc
     list_->Clear();
     Pump();
     EXPECT_EQ(ThreadsOfThisProcess(), threadsBefore);
+
+    listThenEnd([&] { DestroyWindow(list_->hwnd()); });
+    EXPECT_EQ(list_->hwnd(), nullptr);
 }
 
 TEST_F(ThumbnailListViewTest, MemoryStaysFlatOverManyListings) {
     Images(20, 200, 150);
-    auto committed = [] {
-        PROCESS_MEMORY_COUNTERS counters{sizeof(counters)};
-        GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
-        return static_cast<long long>(counters.PagefileUsage);
-    };
     for (int i = 0; i < 5; ++i) ListAndWait(Path("img5.bmp"));  // warm up the heap and the codecs
-    const long long before = committed();
+    const long long before = lxtest::PrivateBytes();
     for (int i = 0; i < 100; ++i) ListAndWait(Path("img5.bmp"));
     list_->Clear();
-    const long long growth = committed() - before;
+    const long long growth = lxtest::PrivateBytes() - before;
     // Leaking the thumbnails alone (20 of about 11 KB each per listing) would add over 20 MB.
     EXPECT_LT(growth, 2 * 1024 * 1024) << growth;
 }
@@ -256,17 +259,8 @@ TEST_F(ThumbnailListViewTest, DrawsTheSelectionBoxThumbnailGreyBoxAndShadow) {
     EXPECT_GE(cell.cx, CThumbnaiListView::kCellWidth);
     EXPECT_GT(cell.cy, 0);
 
-    RECT client{};
-    GetClientRect(list_->hwnd(), &client);
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof(BITMAPINFOHEADER), client.right, -client.bottom, 1, 32, BI_RGB};
-    void* bits = nullptr;
-    HDC dc = CreateCompatibleDC(nullptr);
-    HBITMAP shot = CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    HGDIOBJ old = SelectObject(dc, shot);
-    SendMessageW(list_->hwnd(), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc), PRF_CLIENT);
-    GdiFlush();
-    auto at = [&](int x, int y) { return static_cast<const uint32_t*>(bits)[y * client.right + x] & 0xffffff; };
+    const lxtest::Shot shot = lxtest::PrintClient(list_->hwnd());
+    auto at = [&](int x, int y) { return shot.at(x, y); };
 
     // The shadow pieces as the resource holds them, to compare drawn pixels with.
     HBITMAP strip = static_cast<HBITMAP>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(412), IMAGE_BITMAP, 0, 0, 0));
@@ -308,9 +302,6 @@ TEST_F(ThumbnailListViewTest, DrawsTheSelectionBoxThumbnailGreyBoxAndShadow) {
     SelectObject(stripDc, oldStrip);
     DeleteDC(stripDc);
     DeleteObject(strip);
-    SelectObject(dc, old);
-    DeleteObject(shot);
-    DeleteDC(dc);
 }
 
 TEST_F(ThumbnailListViewTest, TheWheelScrollsOneCellPerNotchAndTheDragImageIsNotYetSupplied) {
@@ -330,18 +321,4 @@ TEST_F(ThumbnailListViewTest, TheWheelScrollsOneCellPerNotchAndTheDragImageIsNot
     SendMessageW(list_->hwnd(), WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), MAKELPARAM(100, 100));
     EXPECT_EQ(firstTop(), top - cell);
     EXPECT_EQ(SendMessageW(list_->hwnd(), RegisterWindowMessageW(L"ShellGetDragImage"), 0, 0), 0);
-}
-
-TEST_F(ThumbnailListViewTest, DestroyingTheWindowWhileThumbnailsAreMadeEndsTheThreadAndFreesTheItems) {
-    Images(100, 800, 600);
-    list_->List(Path("img0.bmp"));
-    while (g_loaded.empty() && MsgWaitForMultipleObjects(0, nullptr, FALSE, 20000, QS_ALLINPUT) == WAIT_OBJECT_0) Pump();
-    HANDLE copy = nullptr;
-    ASSERT_TRUE(DuplicateHandle(GetCurrentProcess(), list_->ListingThread(), GetCurrentProcess(), &copy, SYNCHRONIZE,
-                                FALSE, 0));
-    DestroyWindow(list_->hwnd());
-    EXPECT_EQ(WaitForSingleObject(copy, 0), static_cast<DWORD>(WAIT_OBJECT_0));
-    CloseHandle(copy);
-    EXPECT_EQ(list_->Count(), 0);
-    EXPECT_EQ(list_->hwnd(), nullptr);
 }
