@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "RecordingSink.h"
 #include "RenameRun.h"
-#include "ToolSink.h"
 
 namespace lxtest {
 
@@ -43,32 +43,6 @@ public:
         };
         return fs;
     }
-};
-
-class RecordingSink : public lx::ToolSink {
-public:
-    int answer = lx::kIdYes;
-    std::vector<unsigned> messages;
-    std::vector<std::wstring> reports;
-    std::wstring title, line;
-    int starts = 0, ends = 0;
-    int cancelAfterChecks = -1;  // Cancelled() turns true after this many checks
-    int checks = 0;
-
-    void StartProgress(const std::wstring& t, const std::wstring& l) override {
-        title = t;
-        line = l;
-        ++starts;
-    }
-    void SetLine(int, const std::wstring&, bool) override {}
-    void SetProgress(uint64_t, uint64_t) override {}
-    bool Cancelled() override { return cancelAfterChecks >= 0 && checks++ >= cancelAfterChecks; }
-    void EndProgress() override { ++ends; }
-    int Message(unsigned textId, const std::wstring&, unsigned) override {
-        messages.push_back(textId);
-        return answer;
-    }
-    void Report(const std::wstring& text) override { reports.push_back(text); }
 };
 
 }  // namespace lxtest

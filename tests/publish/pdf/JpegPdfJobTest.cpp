@@ -7,36 +7,14 @@
 #include <vector>
 
 #include "PdfTestSupport.h"
+#include "RecordingSink.h"
 #include "TestFiles.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-// Records what the run tells its starter.
-class RecordingSink : public lx::ToolSink {
-public:
-    void StartProgress(const std::wstring& title, const std::wstring& firstLine) override {
-        events.push_back(L"start " + title + L" | " + firstLine);
-    }
-    void SetLine(int line, const std::wstring& text, bool compactPath) override {
-        events.push_back(L"line" + std::to_wstring(line) + (compactPath ? L" compact " : L" ") + text);
-    }
-    void SetProgress(uint64_t, uint64_t) override { events.push_back(L"progress"); }
-    bool Cancelled() override {
-        ++cancelQueries;
-        return true;  // the user asked to stop at once: the tool must not care
-    }
-    void EndProgress() override { events.push_back(L"end"); }
-    int Message(unsigned textId, const std::wstring& argument, unsigned flags) override {
-        messages.push_back({textId, flags});
-        EXPECT_TRUE(argument.empty());
-        return lx::kIdOk;
-    }
-    std::vector<std::wstring> events;
-    std::vector<std::pair<unsigned, unsigned>> messages;
-    int cancelQueries = 0;
-};
+using lxtest::RecordingSink;
 
 lx::JpegPdfJob MakeJob(const fs::path& output) {
     lx::JpegPdfJob job;
@@ -71,23 +49,22 @@ TEST(JpegPdfJob, NoJpegShowsMessage4140AndWritesNothing) {
     RecordingSink sink;
     const auto result = lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), {dir / "a.png", dir / "b.bmp"}, ProbeByName, sink);
     EXPECT_EQ(result, lx::JpegPdfResult::kRefused);
-    ASSERT_EQ(sink.messages.size(), 1u);
-    EXPECT_EQ(sink.messages[0], std::make_pair(4140u, unsigned(lx::kMbIconError)));
-    EXPECT_TRUE(sink.events.empty());
+    EXPECT_EQ(sink.events, std::vector<std::wstring>{L"message 4140"});
+    EXPECT_EQ(sink.messageFlags, std::vector<unsigned>{lx::kMbIconError});
     EXPECT_FALSE(fs::exists(dir / "o.pdf"));
 }
 
 TEST(JpegPdfJob, Over256JpegsRefusesTheWholeRun) {
     lxtest::ScratchDir dir("job257");
     const fs::path jpg = dir / "s.jpg";
-    lxtest::WriteFile(jpg, pdftest::kTinyJpeg);  // a real picture, for qpdf
+    lxtest::WriteFile(jpg, pdftest::TinyJpeg());  // a real picture, for qpdf
     std::vector<fs::path> files(257, jpg);
     files.insert(files.begin() + 3, dir / "not.png");
 
     RecordingSink refused;
     EXPECT_EQ(lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), files, ProbeByName, refused), lx::JpegPdfResult::kRefused);
-    ASSERT_EQ(refused.messages.size(), 1u);
-    EXPECT_EQ(refused.messages[0], std::make_pair(4143u, unsigned(lx::kMbIconError)));
+    EXPECT_EQ(refused.messages, std::vector<unsigned>{4143});
+    EXPECT_EQ(refused.messageFlags, std::vector<unsigned>{lx::kMbIconError});
     EXPECT_FALSE(fs::exists(dir / "o.pdf"));
 
     files.pop_back();  // 256 JPEG files and one other
@@ -108,11 +85,12 @@ TEST(JpegPdfJob, ReportsEachJpegNameOnLineTwoAndNeverAsksAboutCancelling) {
     pdftest::WriteFrameOnlyJpeg(a, 16, 8, 3, 100);
     pdftest::WriteFrameOnlyJpeg(b, 8, 16, 3, 100, 0xC9);
     RecordingSink sink;
+    sink.cancelAfterChecks = 0;  // the user asked to stop at once: the tool must not care
     // Only probed JPEG files are kept, in list order.
     const std::vector<fs::path> files = {a, dir / "c.png", b};
     EXPECT_EQ(lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), files, ProbeByName, sink), lx::JpegPdfResult::kWritten);
     EXPECT_EQ(sink.events, (std::vector<std::wstring>{L"start T | L", L"line2 first.jpg", L"line2 second.jpg", L"end"}));
-    EXPECT_EQ(sink.cancelQueries, 0);
+    EXPECT_EQ(sink.checks, 0);
     // The arithmetic-coded file passed the probe but has no page.
     EXPECT_NE(pdftest::ReadText(dir / "o.pdf").find("/Kids [3 0 R] /Count 1>>"), std::string::npos);
 }
@@ -131,7 +109,7 @@ TEST(JpegPdfJob, OutputThatCannotBeCreatedWritesNothing) {
 TEST(JpegPdfJob, ReplacesAnExistingOutputFile) {
     lxtest::ScratchDir dir("jobreplace");
     const fs::path a = dir / "a.jpg";
-    lxtest::WriteFile(a, pdftest::kTinyJpeg);
+    lxtest::WriteFile(a, pdftest::TinyJpeg());
     lxtest::WriteFile(dir / "o.pdf", std::string(100000, 'x'));
     RecordingSink sink;
     ASSERT_EQ(lx::RunJpegPdfTool(MakeJob(dir / "o.pdf"), {a}, ProbeByName, sink), lx::JpegPdfResult::kWritten);

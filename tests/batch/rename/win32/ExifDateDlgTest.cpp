@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <map>
@@ -19,6 +20,7 @@
 
 #include "../../../lib/nccore/win32/DialogDriver.h"
 #include "../FakeRenameWorld.h"
+#include "ActivationScope.h"
 #include "ExifDateDlgIds.h"
 #include "ModuleResources.h"
 #include "RenameChoices.h"
@@ -52,11 +54,7 @@ HWND WaitForDialog(const wchar_t* title) {
 
 std::wstring ItemText(HWND list, int item, int column) {
     wchar_t text[512] = {};
-    LVITEMW lvi{};
-    lvi.iSubItem = column;
-    lvi.pszText = text;
-    lvi.cchTextMax = 512;
-    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(item), reinterpret_cast<LPARAM>(&lvi));
+    ListView_GetItemText(list, item, column, text, 512);
     return text;
 }
 
@@ -70,25 +68,14 @@ std::wstring ColumnTitle(HWND list, int column) {
     return text;
 }
 
-SYSTEMTIME DateTime(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
-    const lx::ShootingTime time = lxtest::ShotAt(year, month, day, hour, minute, second);
-    SYSTEMTIME st;
-    std::memcpy(&st, &time, sizeof st);
-    return st;
-}
-
-std::wstring LongDate(int year, int month, int day) {
-    const SYSTEMTIME st = DateTime(year, month, day);
-    wchar_t text[128] = {};
-    GetDateFormatW(LOCALE_USER_DEFAULT, DATE_LONGDATE, &st, nullptr, text, 128);
-    return text;
-}
-
-std::wstring TimeOfDay(int hour, int minute, int second) {
-    const SYSTEMTIME st = DateTime(2000, 1, 1, hour, minute, second);
-    wchar_t text[64] = {};
-    GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &st, nullptr, text, 64);
-    return text;
+// The user's long date of a day, and with `second` >= 0 a blank and the user's time of day.
+std::wstring LongDate(int year, int month, int day, int hour = 0, int minute = 0, int second = -1) {
+    const SYSTEMTIME st{static_cast<WORD>(year), static_cast<WORD>(month), 0, static_cast<WORD>(day),
+                        static_cast<WORD>(hour), static_cast<WORD>(minute), static_cast<WORD>(std::max(second, 0))};
+    wchar_t date[128] = {}, time[64] = {};
+    GetDateFormatW(LOCALE_USER_DEFAULT, DATE_LONGDATE, &st, nullptr, date, 128);
+    if (second >= 0) GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &st, nullptr, time, 64);
+    return second >= 0 ? std::wstring(date) + L" " + time : date;
 }
 
 bool IsWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
@@ -147,38 +134,6 @@ void HoldForScreenshot() {
     if (const char* hold = std::getenv("LX_SHOT_HOLD_MS")) Sleep(static_cast<DWORD>(std::atoi(hold)));
 }
 
-// The host runs with version 6 of the common controls (the one with grouped list views);
-// a test program has no manifest of its own, so it activates one for the tool's run.
-class CommonControlsV6 {
-public:
-    CommonControlsV6() {
-        wchar_t folder[MAX_PATH] = {};
-        GetTempPathW(MAX_PATH, folder);
-        path_ = std::wstring(folder) + L"lx-rename-cc6.manifest";
-        lxtest::WriteFile(fs::path(path_), std::string(
-            "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>"
-            "<assembly xmlns=\"urn:schemas-microsoft-com:asm.v1\" manifestVersion=\"1.0\"><dependency>"
-            "<dependentAssembly><assemblyIdentity type=\"win32\" name=\"Microsoft.Windows.Common-Controls\" "
-            "version=\"6.0.0.0\" processorArchitecture=\"*\" publicKeyToken=\"6595b64144ccf1df\" language=\"*\"/>"
-            "</dependentAssembly></dependency></assembly>"));
-        ACTCTXW context{};
-        context.cbSize = sizeof context;
-        context.lpSource = path_.c_str();
-        context_ = CreateActCtxW(&context);
-        if (context_ != INVALID_HANDLE_VALUE) ActivateActCtx(context_, &cookie_);
-    }
-    ~CommonControlsV6() {
-        if (context_ == INVALID_HANDLE_VALUE) return;
-        DeactivateActCtx(0, cookie_);
-        ReleaseActCtx(context_);
-    }
-
-private:
-    std::wstring path_;
-    HANDLE context_ = INVALID_HANDLE_VALUE;
-    ULONG_PTR cookie_ = 0;
-};
-
 class ExifDateDlgTest : public ::testing::Test {
 protected:
     void SetUp() override { savedSetting = settings.ReadNumber(kExif, kRename, kNoValue); }
@@ -212,7 +167,7 @@ protected:
     // Runs the tool on `files` here while `drive` works its dialogs from another thread. If
     // the driver gives up, whatever is left open is cancelled so the tool returns.
     void RunTool(const std::vector<std::wstring>& files, const std::function<void()>& drive) {
-        CommonControlsV6 v6;
+        lx::ActivationScope v6;  // grouped list views, as the host has them
         std::thread driver([&] {
             drive();
             for (const wchar_t* title : {kMessageCaption, kDialogTitle}) {
@@ -256,7 +211,7 @@ TEST_F(ExifDateDlgTest, ListsPreviewsRenamesAndStoresTheChoices) {
         // Oldest first; of the two taken in the same second, IMG2 before IMG10.
         EXPECT_EQ(Column(dialog, 0), (std::vector<std::wstring>{L"old.jpg", L"IMG2.jpg", L"IMG10.jpg", L"jun05.jpg"}));
         // Shooting time column: the user's long date, a blank, the user's time of day.
-        EXPECT_EQ(ItemText(list, 1, 1), LongDate(2024, 5, 7) + L" " + TimeOfDay(10, 20, 30));
+        EXPECT_EQ(ItemText(list, 1, 1), LongDate(2024, 5, 7, 10, 20, 30));
         // One group per day, headed by the long date, items in the group of their day. Wine's
         // list view keeps no groups at all (it reports none); Windows' must have all three.
         if (ListView_GetGroupCount(list) != 0 || !IsWine()) {
@@ -294,56 +249,48 @@ TEST_F(ExifDateDlgTest, ListsPreviewsRenamesAndStoresTheChoices) {
     EXPECT_EQ(settings.ReadNumber(kExif, kRename, 0), lx::PackRenameChoices({3, 0, 8, 2}));
 }
 
-TEST_F(ExifDateDlgTest, CancelAndCloseBoxChangeNoFileAndNoSetting) {
-    settings.WriteNumber(kExif, kRename, lx::PackRenameChoices({2, 0, 0, 1}));
+// Cancel, the close box, and an OK that finds no item chosen or is answered No, leave every
+// file and the stored choices as they were.
+TEST_F(ExifDateDlgTest, CancelCloseBoxAndARefusedOkChangeNoFileAndNoSetting) {
+    const uint32_t stored = lx::PackRenameChoices({2, 0, 0, 1});
+    settings.WriteNumber(kExif, kRename, stored);
     const std::vector<std::wstring> files = {Photo("may07-a.jpg", "a.jpg")};
-    for (bool closeBox : {false, true}) {
+    for (const char* way : {"cancel", "close box", "ok"}) {
         RunTool(files, [&] {
             HWND dialog = WaitForDialog(kDialogTitle);
             ASSERT_TRUE(dialog);
             EXPECT_EQ(Selection(dialog, IDC_EXIFDATE_ITEM1), 2);
             EXPECT_EQ(Selection(dialog, IDC_EXIFDATE_RESET), 1);
             Choose(dialog, IDC_EXIFDATE_ITEM1, 5);
-            if (closeBox) {
-                PostMessageW(dialog, WM_SYSCOMMAND, SC_CLOSE, 0);
-            } else {
-                Press(dialog, IDCANCEL);
+            if (way[0] == 'c') {
+                if (way[1] == 'l') PostMessageW(dialog, WM_SYSCOMMAND, SC_CLOSE, 0);
+                else Press(dialog, IDCANCEL);
+                EXPECT_TRUE(WaitFor([&] { return !IsWindow(dialog); }));
+                return;
             }
+            Choose(dialog, IDC_EXIFDATE_ITEM1, 0);
+            EXPECT_EQ(NewNames(dialog), (std::vector<std::wstring>{L""}));
+            HWND list = GetDlgItem(dialog, IDC_EXIFDATE_LIST);
+            SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(list), TRUE);
+            ASSERT_EQ(FocusOf(dialog), list);
+            Press(dialog, IDOK);  // all three items are "（なし）": a beep, no question
+            Sleep(500);
+            EXPECT_FALSE(FindVisibleDialog(kMessageCaption));
+            ASSERT_TRUE(IsWindow(dialog));
+            EXPECT_EQ(FocusOf(dialog), GetDlgItem(dialog, IDC_EXIFDATE_ITEM1));
+            Choose(dialog, IDC_EXIFDATE_ITEM2, 4);
+            Press(dialog, IDOK);
+            HWND question = WaitForDialog(kMessageCaption);
+            ASSERT_TRUE(question);
+            Press(question, IDNO);
+            EXPECT_TRUE(WaitFor([&] { return !FindVisibleDialog(kMessageCaption); }));
+            EXPECT_TRUE(IsWindow(dialog));
+            Press(dialog, IDCANCEL);
             EXPECT_TRUE(WaitFor([&] { return !IsWindow(dialog); }));
         });
-        EXPECT_EQ(Names(), (std::set<std::wstring>{L"a.jpg"}));
-        EXPECT_EQ(settings.ReadNumber(kExif, kRename, 0), lx::PackRenameChoices({2, 0, 0, 1}));
+        EXPECT_EQ(Names(), (std::set<std::wstring>{L"a.jpg"})) << way;
+        EXPECT_EQ(settings.ReadNumber(kExif, kRename, 0), stored) << way;
     }
-}
-
-TEST_F(ExifDateDlgTest, OkWithoutItemsStaysAndNoStaysToo) {
-    settings.WriteNumber(kExif, kRename, 0);
-    const std::vector<std::wstring> files = {Photo("may07-a.jpg", "a.jpg")};
-    RunTool(files, [&] {
-        HWND dialog = WaitForDialog(kDialogTitle);
-        ASSERT_TRUE(dialog);
-        EXPECT_EQ(NewNames(dialog), (std::vector<std::wstring>{L""}));
-        HWND list = GetDlgItem(dialog, IDC_EXIFDATE_LIST);
-        SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(list), TRUE);
-        ASSERT_EQ(FocusOf(dialog), list);
-        Press(dialog, IDOK);  // all three items are "（なし）": a beep, no question
-        Sleep(500);
-        EXPECT_FALSE(FindVisibleDialog(kMessageCaption));
-        ASSERT_TRUE(IsWindow(dialog));
-        EXPECT_EQ(FocusOf(dialog), GetDlgItem(dialog, IDC_EXIFDATE_ITEM1));
-
-        Choose(dialog, IDC_EXIFDATE_ITEM2, 4);
-        Press(dialog, IDOK);
-        HWND question = WaitForDialog(kMessageCaption);
-        ASSERT_TRUE(question);
-        Press(question, IDNO);
-        EXPECT_TRUE(WaitFor([&] { return !FindVisibleDialog(kMessageCaption); }));
-        EXPECT_TRUE(IsWindow(dialog));
-        Press(dialog, IDCANCEL);
-        EXPECT_TRUE(WaitFor([&] { return !IsWindow(dialog); }));
-    });
-    EXPECT_EQ(Names(), (std::set<std::wstring>{L"a.jpg"}));
-    EXPECT_EQ(settings.ReadNumber(kExif, kRename, kNoValue), 0u);
 }
 
 TEST_F(ExifDateDlgTest, NoPhotographWithShootingTimeShowsMessage4108) {
@@ -358,23 +305,16 @@ TEST_F(ExifDateDlgTest, NoPhotographWithShootingTimeShowsMessage4108) {
     EXPECT_EQ(Names(), (std::set<std::wstring>{L"plain.jpg"}));
 }
 
+// Without the dialog, over the same Windows file system: a move never replaces a file.
 TEST_F(ExifDateDlgTest, LockedFileAndTakenNameLoseNothing) {
-    settings.WriteNumber(kExif, kRename, lx::PackRenameChoices({1, 0, 0, 0}));
     const std::vector<std::wstring> files = {Photo("may07-a.jpg", "a.jpg"), Photo("may07-b.jpg", "b.jpg"),
                                              Photo("jun05.jpg", "c.jpg")};
     Photo("plain.jpg", "20240605.jpg");  // the name c.jpg should get
     const auto before = Contents();
     HANDLE lock = CreateFileW(files[0].c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(lock, INVALID_HANDLE_VALUE);
-    RunTool(files, [&] {
-        HWND dialog = WaitForDialog(kDialogTitle);
-        ASSERT_TRUE(dialog);
-        Press(dialog, IDOK);
-        HWND question = WaitForDialog(kMessageCaption);
-        ASSERT_TRUE(question);
-        Press(question, IDYES);
-        EXPECT_TRUE(WaitFor([&] { return !IsWindow(dialog); }));
-    });
+    lxtest::RecordingSink sink;
+    EXPECT_EQ(lx::RunRenameToExifDate(lx::RenameChoices{lx::kItemDate8}, files, sink).renamed, 2);
     CloseHandle(lock);
     EXPECT_EQ(Contents(), before);
     const std::set<std::wstring> names = Names();
@@ -394,8 +334,8 @@ TEST_F(ExifDateDlgTest, UnattendedRunRenamesReportsAndLeavesTheSettingAlone) {
     choices.resetRule = lx::kResetOnDay;
     lx::RunRenameToExifDate(choices, {a, plain}, sink);
     EXPECT_EQ(sink.messages, std::vector<unsigned>{4111});
-    EXPECT_EQ(sink.title, L"Exif変換");
-    EXPECT_EQ(sink.line, L"撮影日時に変換しています...");
+    ASSERT_GE(sink.events.size(), 2u);
+    EXPECT_EQ(sink.events[1], L"start Exif変換 | 撮影日時に変換しています...");
     EXPECT_EQ(sink.reports, std::vector<std::wstring>{a + L" -> " + (dir / "240507_102030.jpg").wstring()});
     EXPECT_EQ(Names(), (std::set<std::wstring>{L"240507_102030.jpg", L"plain.jpg"}));
     EXPECT_EQ(settings.ReadNumber(kExif, kRename, 0), 0x01020304u);

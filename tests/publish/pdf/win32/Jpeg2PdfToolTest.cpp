@@ -9,31 +9,15 @@
 
 #include "ModuleResources.h"
 #include "../PdfTestSupport.h"
+#include "RecordingSink.h"
 #include "TestFiles.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-using pdftest::kTinyJpeg;
 using pdftest::ReadText;
-
-class RecordingSink : public lx::ToolSink {
-public:
-    void StartProgress(const std::wstring&, const std::wstring& firstLine) override { started = firstLine; }
-    void SetLine(int, const std::wstring& text, bool) override { lines.push_back(text); }
-    void SetProgress(uint64_t, uint64_t) override {}
-    bool Cancelled() override { return true; }
-    void EndProgress() override {}
-    int Message(unsigned textId, const std::wstring&, unsigned flags) override {
-        messages.push_back(textId);
-        EXPECT_EQ(flags, unsigned(MB_ICONSTOP));
-        return IDOK;
-    }
-    std::wstring started;
-    std::vector<std::wstring> lines;
-    std::vector<unsigned> messages;
-};
+using lxtest::RecordingSink;
 
 TEST(Jpeg2PdfStrings, MessagesAndTitlesComeFromTheStringTable) {
     EXPECT_EQ(lx::LoadResString(4140), L"処理するJpegファイルがありません");
@@ -59,37 +43,32 @@ TEST(Jpeg2PdfFileSink, ReplacesAFileAndKeepsItUnsharedWhileWriting) {
     EXPECT_FALSE(lx::CreateWin32FileSink(dir / "missing" / "o.pdf"));
 }
 
-TEST(Jpeg2PdfRun, KeepsFilesByContentAndAppendsThePdfExtension) {
+TEST(Jpeg2PdfRun, KeepsFilesByContentRefusesWithoutAJpegAndAppendsThePdfExtension) {
     lxtest::ScratchDir dir("pdfrun");
     const fs::path jpegNamedPng = dir / "photo.png";
     const fs::path textNamedJpg = dir / "notes.jpg";
-    lxtest::WriteFile(jpegNamedPng, kTinyJpeg);
+    const std::vector<uint8_t> jpeg = pdftest::TinyJpeg();
+    lxtest::WriteFile(jpegNamedPng, jpeg);
     lxtest::WriteFile(textNamedJpg, std::string("not a picture at all"));
+
+    // Without the JPEG, or a file that is gone, only the message: no document.
+    RecordingSink none;
+    EXPECT_EQ(lx::RunJpeg2PdfFiles((dir / "o.pdf").wstring(), {textNamedJpg.wstring(), (dir / "gone.jpg").wstring()}, none),
+              lx::JpegPdfResult::kRefused);
+    EXPECT_EQ(none.events, std::vector<std::wstring>{L"message 4140"});
+    EXPECT_EQ(none.messageFlags, std::vector<unsigned>{MB_ICONSTOP});
+    EXPECT_FALSE(fs::exists(dir / "o.pdf"));
 
     RecordingSink sink;
     const auto result = lx::RunJpeg2PdfFiles((dir / "album").wstring(), {textNamedJpg.wstring(), jpegNamedPng.wstring()}, sink);
     EXPECT_EQ(result, lx::JpegPdfResult::kWritten);
-    EXPECT_TRUE(sink.messages.empty());
-    EXPECT_EQ(sink.started, L"PDFに変換しています...");
-    EXPECT_EQ(sink.lines, std::vector<std::wstring>{L"photo.png"});
+    EXPECT_EQ(sink.events, (std::vector<std::wstring>{L"start JpegからPDF | PDFに変換しています...", L"line2 photo.png", L"end"}));
 
     const std::string pdf = ReadText(dir / "album.pdf");
     EXPECT_EQ(pdf.substr(0, 10), "%PDF-1.3\r\n");
     EXPECT_NE(pdf.find("/ColorSpace/DeviceRGB/Width 16/Height 8/Length 287>>"), std::string::npos);
-    EXPECT_NE(pdf.find(std::string(kTinyJpeg.begin(), kTinyJpeg.end())), std::string::npos);
+    EXPECT_NE(pdf.find(std::string(jpeg.begin(), jpeg.end())), std::string::npos);
     EXPECT_NE(pdf.find("/MediaBox[0 0 841 420]"), std::string::npos);
-}
-
-// The limit of 256 is checked through the portable run (JpegPdfJobTest), with names only.
-TEST(Jpeg2PdfRun, NoJpegShowsMessage4140) {
-    lxtest::ScratchDir dir("pdfnone");
-    const fs::path text = dir / "a.jpg";
-    lxtest::WriteFile(text, std::string("plain text"));
-    RecordingSink sink;
-    EXPECT_EQ(lx::RunJpeg2PdfFiles((dir / "o.pdf").wstring(), {text.wstring(), (dir / "gone.jpg").wstring()}, sink),
-              lx::JpegPdfResult::kRefused);
-    EXPECT_EQ(sink.messages, std::vector<unsigned>{4140});
-    EXPECT_FALSE(fs::exists(dir / "o.pdf"));
 }
 
 }  // namespace
