@@ -77,7 +77,7 @@ TEST(ForceSaveExtension, ReplacesOnlyTheFileNamesExtension) {
     }
 }
 
-TEST(ForceSaveExtension, RefusesTypesWithoutAnOwnExtension) {
+TEST(ForceSaveExtension, RefusesTypesWithoutAnOwnExtensionAndLeavesAPathTooLongForTheShellRename) {
     // Sun raster and SGI are save-filter rows but have no forced extension.
     for (int target : {+kImageRas, +kImageSgi, +kImageUnknown, +kImageMag, +kImagePsd, 12, 22, +kImagePcd, +kImageCrw,
                        +kImage3fr, +kImageTableEnd, 1000}) {  // 12 and 22 are never produced
@@ -85,9 +85,6 @@ TEST(ForceSaveExtension, RefusesTypesWithoutAnOwnExtension) {
         EXPECT_FALSE(ForceSaveExtension(path.chars, target)) << target;
         EXPECT_EQ(path.str(), L"C:\\work\\photo.png") << target;
     }
-}
-
-TEST(ForceSaveExtension, LeavesAPathTooLongForTheShellRename) {
     // 505 characters: fits the 520-character buffer, not the classic 260-character limit.
     const std::wstring longPath = L"C:\\" + std::wstring(498, L'n') + L".png";
     PathBuffer path(longPath);
@@ -103,30 +100,7 @@ TEST(ForceSaveExtension, LeavesAPathTooLongForTheShellRename) {
     EXPECT_EQ(edge.str(), full);
 }
 
-TEST(RenamePathExtension, BehavesLikeTheShellRename) {
-    PathBuffer blankAfterDot(L"C:\\a.b c");
-    EXPECT_TRUE(RenamePathExtension(blankAfterDot.chars, L".jpg"));
-    EXPECT_EQ(blankAfterDot.str(), L"C:\\a.b c.jpg");  // a blank ends the extension search
-
-    PathBuffer folderDot(L"C:\\my.photos\\img");
-    EXPECT_TRUE(RenamePathExtension(folderDot.chars, L".gif"));
-    EXPECT_EQ(folderDot.str(), L"C:\\my.photos\\img.gif");
-
-    // Right at the limit: the dot at 255 plus ".jpg" is 259 characters, still accepted;
-    // one more is refused.
-    const std::wstring at255 = std::wstring(255, L'a') + L".png";
-    PathBuffer fits(at255);
-    EXPECT_TRUE(RenamePathExtension(fits.chars, L".jpg"));
-    EXPECT_EQ(fits.str(), std::wstring(255, L'a') + L".jpg");
-    const std::wstring at256 = std::wstring(256, L'a') + L".png";
-    PathBuffer tooLong(at256);
-    EXPECT_FALSE(RenamePathExtension(tooLong.chars, L".jpg"));
-    EXPECT_EQ(tooLong.str(), at256);
-
-    EXPECT_FALSE(RenamePathExtension(nullptr, L".jpg"));
-}
-
-TEST(SaveTables, EndWithTheSentinelInDisplayOrder) {
+TEST(SaveTables, EndWithTheSentinelInDisplayOrderNameTheirOutputAndLookUpOnlyInside) {
     std::vector<int> formats;
     for (const SaveFormat* f = kSaveFormats; f->id != kImageTableEnd; ++f) formats.push_back(f->id);
     EXPECT_EQ(formats, (std::vector<int>{kImageJpeg, kImageBmp, kImageGif, kImageTiff, kImageTga, kImagePcx,
@@ -141,18 +115,14 @@ TEST(SaveTables, EndWithTheSentinelInDisplayOrder) {
     EXPECT_EQ(filters, (std::vector<int>{kImageJpeg, kImageBmp, kImageGif, kImagePng, kImageTiff, kImageFpx,
                                          kImageTga, kImageRas, kImagePcx, kImagePnm, kImageJpeg2000, kImageSgi}));
     EXPECT_STREQ(kSaveFilterTypes[9].extension, L".pnm");
-}
 
-TEST(SaveTables, EveryOfferedFormatCanNameItsOutput) {
     // The conversion dialog relies on each of its formats forcing an extension.
     for (const SaveFormat* f = kSaveFormats; f->id != kImageTableEnd; ++f) {
         PathBuffer path(L"out.xyz");
         EXPECT_TRUE(ForceSaveExtension(path.chars, f->id)) << f->id;
         EXPECT_EQ(ImageTypeFromPath(path.chars), f->id) << f->id;
     }
-}
-
-TEST(SaveTables, FilterIndexLooksUpOnlyInsideTheTable) {
+    // A filter index is looked up only inside the table.
     ASSERT_NE(SaveFilterTypeAt(0), nullptr);
     EXPECT_EQ(SaveFilterTypeAt(0)->id, kImageJpeg);
     ASSERT_NE(SaveFilterTypeAt(11), nullptr);

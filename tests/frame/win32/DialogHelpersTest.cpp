@@ -97,15 +97,13 @@ TEST(ShowMessage, TextFormatting) {
     EXPECT_EQ(lx::FormatWithArgument(L"%2 %1", L"x"), L"%2 x");
 }
 
-TEST(CreateFolderPath, TakesRootsAndShortPathsAsExisting) {
+// Roots and share names count as existing folders; a deep path is made parent by parent.
+TEST(CreateFolderPath, TakesRootsAsExistingAndCreatesEveryMissingParent) {
     for (const wchar_t* path : {L"C:\\", L"Q:", L"\\\\server\\share"}) {
         SetLastError(0);
         EXPECT_TRUE(lx::CreateFolderPath(path)) << path;
         EXPECT_EQ(GetLastError(), 161u) << path;
     }
-}
-
-TEST(CreateFolderPath, CreatesEveryMissingParent) {
     lxtest::ScratchDir scratch("createfolder");
     const std::filesystem::path deep = scratch / "a" / "b b" / "c" / "d";
     EXPECT_TRUE(lx::CreateFolderPath(deep.c_str()));
@@ -113,95 +111,75 @@ TEST(CreateFolderPath, CreatesEveryMissingParent) {
     EXPECT_TRUE(lx::CreateFolderPath(deep.c_str()));  // existing already: fine
 }
 
-TEST(CreateFolderPath, ShowsTheErrorAndStopsOnCancel) {
-    lxtest::ScratchDir scratch("createfolder-cancel");
+// A file in the way shows the error naming the path: Cancel gives up, Retry tries again
+// (here after the user cleared the way). A file of the folder's own name is not the folder.
+TEST(CreateFolderPath, ShowsTheErrorStopsOnCancelAndRetriesOnRetry) {
+    lxtest::ScratchDir scratch("createfolder-error");
     const std::filesystem::path blocker = scratch / "file";
-    lxtest::WriteFile(blocker, std::string("not a folder"));
-    const std::filesystem::path impossible = blocker / "sub";
-    std::wstring texts;
-    DialogDriver driver(L"Fotolume", [&](HWND box) {
-        texts = lxtest::AllChildTexts(box);
-        PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
-    });
-    EXPECT_FALSE(lx::CreateFolderPath(impossible.c_str()));
-    EXPECT_TRUE(driver.Found());
-    EXPECT_NE(texts.find(impossible.wstring()), std::wstring::npos) << texts;
+    for (int button : {IDCANCEL, IDRETRY}) {
+        lxtest::WriteFile(blocker, std::string("not a folder"));
+        const std::filesystem::path wanted = button == IDCANCEL ? blocker / "sub" : blocker;
+        std::wstring texts;
+        int shown = 0;
+        DialogDriver driver(L"Fotolume", [&](HWND box) {
+            ++shown;
+            texts = lxtest::AllChildTexts(box);
+            if (button == IDRETRY) std::filesystem::remove(blocker);
+            PostMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), 0);
+        });
+        EXPECT_EQ(lx::CreateFolderPath(wanted.c_str()), button == IDRETRY);
+        EXPECT_EQ(shown, 1);
+        EXPECT_NE(texts.find(wanted.wstring()), std::wstring::npos) << texts;
+        EXPECT_EQ(std::filesystem::is_directory(wanted), button == IDRETRY);
+    }
 }
 
-TEST(CreateFolderPath, RetriesUntilTheFolderCanBeMade) {
-    lxtest::ScratchDir scratch("createfolder-retry");
-    const std::filesystem::path blocker = scratch / "out";
-    lxtest::WriteFile(blocker, std::string("in the way"));
-    int shown = 0;
-    DialogDriver driver(L"Fotolume", [&](HWND box) {
-        ++shown;
-        std::filesystem::remove(blocker);  // the user clears the way, then retries
-        PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDRETRY, BN_CLICKED), 0);
-    });
-    // A file holding the folder's own name must not be mistaken for the folder.
-    EXPECT_TRUE(lx::CreateFolderPath(blocker.c_str()));
-    EXPECT_EQ(shown, 1);
-    EXPECT_TRUE(std::filesystem::is_directory(blocker));
-}
-
-TEST(ShowItemFileDialog, WithoutATableOffersAllFilesAndCancelLeavesThePath) {
-    lxtest::ScratchDir scratch("itemdialog");
-    std::vector<std::vector<std::wstring>> lists;
-    DialogDriver driver(L"lx item dialog", [&](HWND dialog) {
-        lists = AllComboLists(dialog);
-        PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
-    });
-    wchar_t path[lx::kPathChars] = {};
-    const std::wstring before = (scratch / "photos.pdf").wstring();
-    lstrcpynW(path, before.c_str(), lx::kPathChars);
-    EXPECT_FALSE(lx::ShowItemFileDialog(nullptr, false, L"lx item dialog", nullptr, path, nullptr, 0));
-    EXPECT_TRUE(driver.Found());
-    EXPECT_EQ(std::wstring(path), before);
-    EXPECT_TRUE(HasList(lists, {L"All(*.*)"})) << lists.size();
-}
-
-TEST(ShowItemFileDialog, OkStoresTheChosenPath) {
-    lxtest::ScratchDir scratch("itemdialog-ok");
-    std::vector<std::vector<std::wstring>> lists;
-    DialogDriver driver(L"lx save pdf", [&](HWND dialog) {
-        lists = AllComboLists(dialog);
-        PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
-    });
-    const lx::FileFilter filters[] = {{L"PDF(*.pdf)", L"*.pdf"}, {L"All(*.*)", L"*.*"}};
-    wchar_t path[lx::kPathChars] = L"album.pdf";
-    const std::wstring folder = scratch.path().wstring();
-    ASSERT_TRUE(lx::ShowItemFileDialog(nullptr, false, L"lx save pdf", folder.c_str(), path, filters, 2));
-    EXPECT_EQ(std::filesystem::path(path), scratch / "album.pdf");
-    EXPECT_TRUE(HasList(lists, {L"PDF(*.pdf)", L"All(*.*)"}));
-}
-
-TEST(ShowItemFileDialog, StartsInTheFolderOfThePathWhenNoneIsGiven) {
-    lxtest::ScratchDir scratch("itemdialog-pathfolder");
-    DialogDriver driver(L"lx open", DialogDriver::Press(IDOK));
-    const auto existing = scratch / "chosen.jpg";
-    lxtest::WriteFile(existing, std::string("jpeg"));
-    wchar_t path[lx::kPathChars] = {};
-    lstrcpynW(path, existing.c_str(), lx::kPathChars);
-    ASSERT_TRUE(lx::ShowItemFileDialog(nullptr, true, L"lx open", nullptr, path, nullptr, 0));
-    EXPECT_TRUE(std::filesystem::equivalent(std::filesystem::path(path), existing)) << path;
-}
-
-TEST(ShowClassicFileDialog, BuildsItsFilterFromThePairs) {
-    const lx::FileFilter filters[] = {{L"PDF", L"*.pdf"}, {L"All", L"*.*"}};
-    EXPECT_EQ(lx::ClassicFilterFromPairs(filters, 2), std::wstring(L"PDF\0*.pdf\0All\0*.*\0", 18));
+// The item dialog and the classic one, each row: the call, open or save, the folder and the
+// path handed in, the filter pairs, the button pressed; then the path handed back and the
+// filter list the dialog offered.
+TEST(FileDialogs, OfferTheirFiltersStartWhereToldAndHandBackThePathOnlyOnOk) {
     EXPECT_EQ(lx::ClassicFilterFromPairs(nullptr, 0), std::wstring(L"All(*.*)\0*.*\0", 13));
-
-    lxtest::ScratchDir scratch("classicdialog");
-    std::vector<std::vector<std::wstring>> lists;
-    DialogDriver driver(L"lx classic", [&](HWND dialog) {
-        lists = AllComboLists(dialog);
-        PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
-    });
-    wchar_t path[lx::kPathChars] = L"keep.pdf";
-    EXPECT_FALSE(lx::ShowClassicFileDialog(nullptr, true, L"lx classic", scratch.path().c_str(), path, filters, 2));
-    EXPECT_TRUE(driver.Found());
-    EXPECT_STREQ(path, L"keep.pdf");
-    EXPECT_TRUE(HasList(lists, {L"PDF", L"All"}));
+    lxtest::ScratchDir scratch("filedialogs");
+    lxtest::WriteFile(scratch / "chosen.jpg", std::string("jpeg"));
+    const lx::FileFilter pdf[] = {{L"PDF(*.pdf)", L"*.pdf"}, {L"All(*.*)", L"*.*"}};
+    const lx::FileFilter shortPdf[] = {{L"PDF", L"*.pdf"}, {L"All", L"*.*"}};
+    EXPECT_EQ(lx::ClassicFilterFromPairs(shortPdf, 2), std::wstring(L"PDF\0*.pdf\0All\0*.*\0", 18));
+    const std::wstring folder = scratch.path().wstring();
+    const struct {
+        decltype(&lx::ShowItemFileDialog) show;
+        bool open;
+        const wchar_t* folder;
+        std::filesystem::path path;
+        const lx::FileFilter* filters;
+        int button;
+        std::filesystem::path result;
+        Items offered;
+    } rows[] = {
+        {lx::ShowItemFileDialog, false, nullptr, scratch / "photos.pdf", nullptr, IDCANCEL, scratch / "photos.pdf",
+         {L"All(*.*)"}},
+        {lx::ShowItemFileDialog, false, folder.c_str(), "album.pdf", pdf, IDOK, scratch / "album.pdf",
+         {L"PDF(*.pdf)", L"All(*.*)"}},
+        // No folder given: the dialog starts in the folder of the path.
+        {lx::ShowItemFileDialog, true, nullptr, scratch / "chosen.jpg", nullptr, IDOK, scratch / "chosen.jpg",
+         {L"All(*.*)"}},
+        {lx::ShowClassicFileDialog, true, folder.c_str(), "keep.pdf", shortPdf, IDCANCEL, "keep.pdf", {L"PDF", L"All"}},
+    };
+    for (const auto& row : rows) {
+        std::vector<Items> lists;
+        DialogDriver driver(L"lx file dialog", [&](HWND dialog) {
+            lists = AllComboLists(dialog);
+            PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(row.button, BN_CLICKED), 0);
+        });
+        wchar_t path[lx::kPathChars] = {};
+        lstrcpynW(path, row.path.c_str(), lx::kPathChars);
+        EXPECT_EQ(row.show(nullptr, row.open, L"lx file dialog", row.folder, path, row.filters, row.filters ? 2 : 0),
+                  row.button == IDOK) << row.path;
+        EXPECT_TRUE(driver.Found()) << row.path;
+        const bool same = std::filesystem::path(path) == row.result ||
+                          (std::filesystem::exists(row.result) && std::filesystem::equivalent(path, row.result));
+        EXPECT_TRUE(same) << path;
+        EXPECT_TRUE(HasList(lists, row.offered)) << row.path;
+    }
 }
 
 TEST(ShowImageFileDialog, OpensWithTheStringTableFilterAndCancelChangesNothing) {

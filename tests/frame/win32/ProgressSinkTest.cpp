@@ -42,17 +42,13 @@ TEST(ProgressSink, ShowsTitleAndLinesAndHearsCancelUnlessToldNever) {
     }
 }
 
-TEST(ProgressSink, WorksWithoutADialogShown) {
-    lx::ProgressSink sink(nullptr, L"caption");
+TEST(ProgressSink, WorksWithoutADialogShownAndMessagesComeFromTheStringTableWithTheCaption) {
+    lx::ProgressSink sink(nullptr, MAKEINTRESOURCEW(4086));
     sink.SetLine(1, L"x", true);
     sink.SetProgress(1, 2);
     EXPECT_FALSE(sink.Cancelled());
     sink.EndProgress();
     EXPECT_FALSE(sink.Showing());
-}
-
-TEST(ProgressSink, MessagesComeFromTheStringTableWithTheCaption) {
-    lx::ProgressSink sink(nullptr, MAKEINTRESOURCEW(4086));
     std::wstring texts;
     DialogDriver driver(L"Fotolume", [&](HWND box) {
         texts = lxtest::AllChildTexts(box);

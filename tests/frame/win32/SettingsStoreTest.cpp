@@ -62,7 +62,7 @@ TEST(SettingsStore, BlockRoundTripAndOtherSizeCountsAsAbsent) {
     EXPECT_EQ(store.ReadBlock(section.name.c_str(), L"Rec", smaller, sizeof smaller), 0);
 }
 
-TEST(SettingsStore, NumbersAndTexts) {
+TEST(SettingsStore, NumbersAndTextsAndReadingAloneMakesTheSection) {
     SectionGuard section(L"values");
     SettingsStore store;
     EXPECT_EQ(store.ReadNumber(section.name.c_str(), L"N", 0x10020), 0x10020u);
@@ -78,6 +78,10 @@ TEST(SettingsStore, NumbersAndTexts) {
     EXPECT_EQ(store.ReadText(section.name.c_str(), L"T", text, sizeof text), 0);
     EXPECT_STREQ(text, L"kept");
     EXPECT_EQ(store.ReadText(section.name.c_str(), L"T", nullptr, 100), 0);
+
+    SectionGuard read(L"read");  // reading alone leaves an empty section behind
+    EXPECT_EQ(store.ReadNumber(read.name.c_str(), L"Absent", 4), 4u);
+    EXPECT_TRUE(SectionExists(read.name));
 }
 
 TEST(SettingsStore, NamesByStringIdAndUnloadableNamesFailUntouched) {
@@ -95,14 +99,7 @@ TEST(SettingsStore, NamesByStringIdAndUnloadableNamesFailUntouched) {
     EXPECT_FALSE(SectionExists(section.name));  // the failing names touched nothing
 }
 
-TEST(SettingsStore, ReadingAloneLeavesAnEmptySectionBehind) {
-    SectionGuard section(L"read");
-    SettingsStore store;
-    EXPECT_EQ(store.ReadNumber(section.name.c_str(), L"Absent", 4), 4u);
-    EXPECT_TRUE(SectionExists(section.name));
-}
-
-TEST(SettingsStore, HistoryKeepsTheCurrentTextOnceAtTheTop) {
+TEST(SettingsStore, HistoryKeepsTheCurrentTextOnceAtTheTopAndStaysInsideItsData) {
     SectionGuard section(L"history");
     SettingsStore store;
     HWND combo = MakeCombo();
@@ -124,18 +121,12 @@ TEST(SettingsStore, HistoryKeepsTheCurrentTextOnceAtTheTop) {
     HWND capped = MakeCombo();
     store.LoadComboHistory(section.name.c_str(), L"H", capped, 2);
     EXPECT_EQ(lxtest::ComboItems(capped).size(), 2u);
-    DestroyWindow(combo);
-    DestroyWindow(loaded);
-    DestroyWindow(capped);
-}
 
-TEST(SettingsStore, HistoryWithoutTerminatorsStaysInsideItsData) {
-    SectionGuard section(L"rawhistory");
-    SettingsStore store;
+    // A stored history without terminators is read inside its data only.
     const wchar_t unterminated[] = {L'a', L'b', L'c'};
     store.WriteBlock(section.name.c_str(), L"H", unterminated, sizeof unterminated);
-    HWND combo = MakeCombo();
-    store.LoadComboHistory(section.name.c_str(), L"H", combo, 10);
-    EXPECT_EQ(lxtest::ComboItems(combo), (std::vector<std::wstring>{L"abc"}));
-    DestroyWindow(combo);
+    HWND unterminatedCombo = MakeCombo();
+    store.LoadComboHistory(section.name.c_str(), L"H", unterminatedCombo, 10);
+    EXPECT_EQ(lxtest::ComboItems(unterminatedCombo), (std::vector<std::wstring>{L"abc"}));
+    for (HWND window : {combo, loaded, capped, unterminatedCombo}) DestroyWindow(window);
 }
