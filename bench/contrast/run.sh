@@ -25,9 +25,10 @@ fi
 
 # One scanned page (text-like lines on grey paper), linked under every input name.
 if [ ! -s "$work/page.jpg" ]; then
-    convert -size 2480x3508 xc:'#d8d4cc' -fill '#302c28' \
-        $(for y in $(seq 200 60 3300); do echo "-draw rectangle 200,$y,$((1200 + (y * 7) % 1000)),$((y + 22))"; done) \
-        -attenuate 0.3 +noise Gaussian -quality 90 "$work/page.jpg"
+    lines=()
+    for y in $(seq 200 60 3300); do lines+=(-draw "rectangle 200,$y,$((1200 + (y * 7) % 1000)),$((y + 22))"); done
+    convert -size 2480x3508 xc:'#d8d4cc' -fill '#302c28' "${lines[@]}" -attenuate 0.3 +noise Gaussian -quality 90 \
+        "$work/page.jpg"
 fi
 fresh_inputs() {
     rm -rf "$work/in" "$work/xdg"

@@ -63,13 +63,16 @@ void WritePicture(const fs::path& path, int width, int height) {
 struct Loaded {
     int width = 0, height = 0, bits = 0;
     bool jpeg = false;
+    bool blueSide = false;  // the middle pixel is of the right half's colour (more blue than red)
 };
 
 Loaded Load(const fs::path& path) {
     const auto bytes = lxtest::ReadFile(path);
     const auto dib = lx::LoadImageFile(path);
     if (!dib) return {};
-    return {dib->width(), dib->height(), dib->bitCount(), bytes.size() > 2 && bytes[0] == 0xFF && bytes[1] == 0xD8};
+    const uint8_t* middle = dib->row(dib->height() / 2) + (dib->bitCount() / 8) * (dib->width() / 2);
+    return {dib->width(), dib->height(), dib->bitCount(), bytes.size() > 2 && bytes[0] == 0xFF && bytes[1] == 0xD8,
+            dib->bitCount() >= 24 && middle[0] > middle[2]};
 }
 
 // Answers each task dialog titled kSplitTitle with the next button of `script` (ticking the
@@ -138,13 +141,15 @@ TEST(SplitImageExport, LandscapeImagesSplitIntoTwoJpegHalvesAndTheSourceIsRestor
     const struct {
         const char* file;
         int width, height;
-    } halves[] = {{"spread-1.jpg", 1000, 1500}, {"spread-2.jpg", 1000, 1500}, {"odd-1.jpg", 501, 800},
-                  {"odd-2.jpg", 500, 800}};
+        bool right;
+    } halves[] = {{"spread-1.jpg", 1000, 1500, true}, {"spread-2.jpg", 1000, 1500, false},
+                  {"odd-1.jpg", 501, 800, true}, {"odd-2.jpg", 500, 800, false}};
     for (const auto& half : halves) {
         const Loaded loaded = Load(dir / half.file);
         EXPECT_TRUE(loaded.jpeg) << half.file;
         EXPECT_EQ(loaded.width, half.width) << half.file;
         EXPECT_EQ(loaded.height, half.height) << half.file;
+        EXPECT_EQ(loaded.blueSide, half.right) << half.file << " holds the other half";
     }
     EXPECT_TRUE(Load(dir.path() / (L"scan-" + unique + L"-1.jpg")).jpeg);
     EXPECT_FALSE(fs::exists(spread));

@@ -42,15 +42,16 @@ expect "$work/flat.bmp" "JPEG 100x100"
 
 photos="$root/tests/batch/pickout/photos"
 wine "$lxhost" pickout --unattended --output "$(winpath "$work/thumbs")" \
-    "$(winpath "$photos/IMG_0001.CR2")" "$(winpath "$photos/photo.jpg")" >/dev/null
+    "$(winpath "$photos/IMG_0001.CR2")" "$(winpath "$photos/photo.jpg")" "$(winpath "$photos/DSC_0001.NEF")" >/dev/null
 wine "$lxhost" pickout --unattended --smallest --output "$(winpath "$work/thumbs")" \
     "$(winpath "$photos/IMG_0001.CR2")" >/dev/null
 cmp "$work/thumbs/IMG_0001.thm(L).jpg" <(exiftool -b -PreviewImage "$photos/IMG_0001.CR2") || fail "largest of the raw file"
 cmp "$work/thumbs/IMG_0001.thm(S).jpg" <(exiftool -b -ThumbnailImage "$photos/IMG_0001.CR2") || fail "smallest of the raw file"
 cmp "$work/thumbs/photo.thm(L).jpg" <(exiftool -b -ThumbnailImage "$photos/photo.jpg") || fail "thumbnail of the JPEG"
+expect "$work/thumbs/DSC_0001.thm(L).bmp" "BMP3 4x3"  # an RGB thumbnail is written as a bitmap
 status=0
 wine "$lxhost" pickout --unattended --output "$(winpath "$work/thumbs")" "$(winpath "$photos/IMG_0001.CR2")" \
     "$(winpath "$photos/IMG_0002.CR2")" >/dev/null || status=$?
 [ $status -eq 1 ] || fail "a second run and a broken raw file must write nothing (exit 1), got $status"
-[ "$(ls "$work/thumbs" | wc -l)" -eq 3 ] || fail "unexpected files: $(ls "$work/thumbs")"
+[ "$(ls "$work/thumbs" | wc -l)" -eq 4 ] || fail "unexpected files: $(ls "$work/thumbs")"
 echo "PASS"

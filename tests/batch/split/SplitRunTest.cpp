@@ -1,6 +1,6 @@
-// The split run over real bitmap files: which columns each half takes, which images are cut
-// after which answers, and the source given up only when both halves were written. (Sizes
-// and names of the halves are checked through the export under Wine.)
+// The split run over real bitmap files: which images are cut after which answers, and the
+// source given up only when both halves were written. (Sizes, sides and names of the halves
+// are checked through the export under Wine.)
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -43,20 +43,6 @@ std::vector<std::wstring> Paths(const ScratchDir& dir, const std::vector<std::st
     std::vector<std::wstring> paths;
     for (const auto& name : names) paths.push_back((dir / name).wstring());
     return paths;
-}
-
-TEST(SplitRun, CutKeepsTheColumnsOfEachSide) {
-    PackedDib image = PackedDib::Create(5, 2, 8);
-    for (int y = 0; y < 2; ++y)
-        for (int x = 0; x < 5; ++x) image.row(y)[x] = static_cast<uint8_t>(10 * x + y);
-    const SplitHalves halves = CutInHalves(image);
-    ASSERT_EQ(halves.right.width(), 3);
-    ASSERT_EQ(halves.left.width(), 2);
-    for (int y = 0; y < 2; ++y) {
-        for (int x = 0; x < 3; ++x) EXPECT_EQ(halves.right.row(y)[x], 10 * (x + 2) + y);
-        for (int x = 0; x < 2; ++x) EXPECT_EQ(halves.left.row(y)[x], 10 * x + y);
-    }
-    EXPECT_TRUE(CutInHalves(PackedDib::Create(1, 4, 24)).right.empty());
 }
 
 // No leaves the portrait and a square after it; Yes with the box ticked splits that portrait
