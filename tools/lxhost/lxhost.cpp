@@ -1,7 +1,7 @@
 // lxhost: a stand-in for the file manager that hosts lxpicture.dll.
 //
 //   lxhost TOOL [--path DIR] [--effect N] [--ansi] [--dll FILE] [--show N] [--snapshot BMP] FILE...
-//   lxhost TOOL --unattended OPTIONS... FILE...   (tools that offer it: see Unattended.h)
+//   lxhost TOOL --unattended OPTIONS... FILE...   (convert, split, contrast, rename, pickout, pdf)
 //   lxhost exif FILE...
 //
 // For the batch and publishing tools it writes a uniquely named request key under

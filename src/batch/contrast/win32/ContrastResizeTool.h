@@ -1,13 +1,33 @@
-// The worker behind the module's RunContrastResizeW export: given the owner window and the
-// request's files, it runs the tool to the end. The list stays owned by the caller.
+// The contrast-resize tool as the host starts it: no dialog, the run over the request's files
+// under the shell's progress dialog, each source given up to the recycle bin (safely, see
+// RecycledFile) for its result. The list stays owned by the caller.
 #pragma once
 
 #include <windows.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "ContrastRun.h"
+#include "FileOperations.h"
+
 namespace lx {
+
+// The recycle bin of the shell, each source kept at hand until its result is written.
+class ShellSourceBin : public SourceBin {
+public:
+    explicit ShellSourceBin(HWND owner) : owner_(owner) {}
+    bool Recycle(const std::wstring& path) override;
+    void PutBack(const std::wstring& path) override;
+    void Keep(const std::wstring& path) override;
+
+private:
+    HWND owner_;
+    std::unique_ptr<RecycledFile> current_;
+};
+
+ContrastTexts LoadContrastTexts();
 
 void RunContrastResizeTool(HWND owner, const std::vector<std::wstring>& files);
 

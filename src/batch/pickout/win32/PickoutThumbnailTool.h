@@ -1,5 +1,5 @@
-// The worker behind the module's RunPickoutThumbnailW export: given the owner window and the
-// request's files and its "path" value (the output folder), it runs the tool to the end. The list stays owned by the caller.
+// The thumbnail pickout tool as the host starts it: the dialog (output folder, smallest or
+// largest), the folder created with its parents, then the run under the wait cursor.
 #pragma once
 
 #include <windows.h>
@@ -7,8 +7,16 @@
 #include <string>
 #include <vector>
 
+#include "PickoutRun.h"
+
 namespace lx {
 
-void RunPickoutThumbnailTool(HWND owner, const std::vector<std::wstring>& files, const std::wstring& path);
+// Creates the file only when the name is free (CREATE_NEW) and writes every byte; a write
+// that fails halfway removes the file again.
+bool WriteNewFile(const std::wstring& path, std::span<const uint8_t> bytes);
+
+// The number of thumbnail files written; 0 for an empty list; -1 when the dialog was
+// cancelled or the output folder cannot be made. `hostFolder` is the request's "path".
+int RunPickoutThumbnailTool(HWND owner, const std::vector<std::wstring>& files, const std::wstring& hostFolder);
 
 }  // namespace lx

@@ -107,6 +107,65 @@ bool MoveToRecycleBin(HWND owner, const wchar_t* path) {
     return ShellDeleteFiles(owner, list.c_str(), kQuietRecycle);
 }
 
+namespace {
+
+// How many names the file's data has; 0 when it cannot be told.
+DWORD LinkCount(const std::wstring& path) {
+    HANDLE file = CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                              nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return 0;
+    BY_HANDLE_FILE_INFORMATION info = {};
+    const DWORD links = GetFileInformationByHandle(file, &info) ? info.nNumberOfLinks : 0;
+    CloseHandle(file);
+    return links;
+}
+
+// A name beside `path` that nothing else uses.
+std::wstring SpareNameFor(const std::wstring& path) {
+    static LONG counter = 0;
+    return path + L".~lxkeep" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+           std::to_wstring(InterlockedIncrement(&counter));
+}
+
+}  // namespace
+
+RecycledFile::RecycledFile(HWND owner, const std::wstring& path) : path_(path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)))
+        return;
+    spare_ = SpareNameFor(path);
+    if (!CreateHardLinkW(spare_.c_str(), path.c_str(), nullptr)) spare_.clear();
+    const bool shellDone = MoveToRecycleBin(owner, path.c_str());
+    const bool gone = GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES;
+    if (spare_.empty()) {
+        moved_ = shellDone && gone;
+        return;
+    }
+    // The recycle bin keeps the data under a name of its own: our spare is then one of two.
+    moved_ = gone && LinkCount(spare_) >= 2;
+    if (gone && !moved_) {
+        PutBack();
+    } else if (!gone) {
+        DeleteFileW(spare_.c_str());
+        spare_.clear();
+    }
+}
+
+RecycledFile::~RecycledFile() { Keep(); }
+
+bool RecycledFile::Keep() {
+    if (!spare_.empty()) DeleteFileW(spare_.c_str());
+    spare_.clear();
+    return moved_;
+}
+
+bool RecycledFile::PutBack() {
+    if (spare_.empty() || !MoveFileExW(spare_.c_str(), path_.c_str(), 0)) return false;
+    spare_.clear();
+    moved_ = false;
+    return true;
+}
+
 // Files the tools give up stay recoverable: the one-file delete is the quiet recycle.
 bool DeleteOneFile(const wchar_t* path) { return MoveToRecycleBin(nullptr, path); }
 

@@ -6,6 +6,7 @@
 #include "ComScope.h"
 
 #include "../../nccore/win32/DialogDriver.h"
+#include "RecycleBin.h"
 #include "TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -16,32 +17,7 @@ namespace {
 
 using lxtest::DialogDriver;
 
-// Whether the recycle bin lists an item of that name, as the shell shows it.
-bool RecycleBinHolds(const std::wstring& name) {
-    lx::ComScope com;
-    IShellFolder* desktop = nullptr;
-    if (FAILED(SHGetDesktopFolder(&desktop))) return false;
-    PIDLIST_ABSOLUTE binPidl = nullptr;
-    IShellFolder* bin = nullptr;
-    if (SUCCEEDED(SHGetSpecialFolderLocation(nullptr, CSIDL_BITBUCKET, &binPidl)))
-        desktop->BindToObject(binPidl, nullptr, IID_IShellFolder, reinterpret_cast<void**>(&bin));
-    IEnumIDList* items = nullptr;
-    if (bin) bin->EnumObjects(nullptr, SHCONTF_FOLDERS | SHCONTF_NONFOLDERS | SHCONTF_INCLUDEHIDDEN, &items);
-    bool found = false;
-    PITEMID_CHILD child = nullptr;
-    while (items && !found && items->Next(1, &child, nullptr) == S_OK) {
-        STRRET text{};
-        wchar_t shown[MAX_PATH] = {};
-        if (SUCCEEDED(bin->GetDisplayNameOf(child, SHGDN_NORMAL, &text)) && SUCCEEDED(StrRetToBufW(&text, child, shown, MAX_PATH)))
-            found = name == shown || std::wstring(shown) + L".jpg" == name;
-        CoTaskMemFree(child);
-    }
-    if (items) items->Release();
-    if (bin) bin->Release();
-    CoTaskMemFree(binPidl);
-    desktop->Release();
-    return found;
-}
+using lxtest::RecycleBinHolds;
 
 TEST(RecycleBin, DeletesEveryPathOfAList) {
     lxtest::ScratchDir scratch("shelldelete");
@@ -78,6 +54,69 @@ TEST(RecycleBin, MovesOneFileAwayWithoutAsking) {
     EXPECT_TRUE(RecycleBinHolds(name));
     EXPECT_FALSE(lx::DeleteOneFile(file.c_str()));
     EXPECT_FALSE(lx::DeleteOneFile(nullptr));
+}
+
+// A file given up with its data kept at hand: it goes to the recycle bin and stays there, or
+// comes back whole; a read-only or missing file is not given up at all.
+TEST(RecycledFile, GoesToTheBinOrComesBackWhole) {
+    lxtest::ScratchDir scratch("recycled");
+    const std::wstring unique = std::to_wstring(GetCurrentProcessId());
+    const struct {
+        const wchar_t* name;
+        bool readOnly, exists, putBack, moved;
+    } cases[] = {
+        {L"kept", false, true, false, true},
+        {L"back", false, true, true, true},
+        {L"readonly", true, true, false, false},
+        {L"missing", false, false, false, false},
+    };
+    for (const auto& c : cases) {
+        const std::wstring name = L"lx-" + std::wstring(c.name) + L"-" + unique + L".png";
+        const auto file = scratch.path() / name;
+        if (c.exists) lxtest::WriteFile(file, std::string("pixels of ") + std::to_string(name.size()));
+        const auto bytes = lxtest::ReadFile(file);
+        if (c.readOnly) SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
+        {
+            lx::RecycledFile recycled(nullptr, file.wstring());
+            EXPECT_EQ(recycled.Moved(), c.moved) << c.name;
+            EXPECT_EQ(std::filesystem::exists(file), c.exists && !c.moved) << c.name;
+            if (c.putBack) {
+                EXPECT_TRUE(recycled.PutBack()) << c.name;
+            }
+        }
+        EXPECT_EQ(std::filesystem::exists(file), c.exists && (c.putBack || !c.moved)) << c.name;
+        if (std::filesystem::exists(file)) {
+            EXPECT_EQ(lxtest::ReadFile(file), bytes) << c.name;
+        }
+        if (c.moved) {
+            EXPECT_TRUE(RecycleBinHolds(name)) << c.name;
+        }
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(scratch.path()), {}), c.exists && (c.putBack || !c.moved) ? 1 : 0)
+            << c.name << ": no spare name is left behind";
+        SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
+        std::filesystem::remove(file);
+    }
+}
+
+// A file on another file system than Wine's trash (here in memory, under /dev/shm): the
+// shell copies it into the trash, or deletes it outright when it cannot. Either way the file
+// is not lost: it is in the bin, or (when that cannot be told) back in its place whole.
+TEST(RecycledFile, AFileFromAnotherFileSystemIsNeverLost) {
+    const std::wstring name = L"lx-elsewhere-" + std::to_wstring(GetCurrentProcessId()) + L".png";
+    const std::filesystem::path file = L"Z:\\dev\\shm\\" + name;
+    lxtest::WriteFile(file, std::string("the only copy"));
+    ASSERT_TRUE(std::filesystem::exists(file));
+    bool moved = false;
+    {
+        lx::RecycledFile recycled(nullptr, file.wstring());
+        moved = recycled.Moved();
+    }
+    if (moved) {
+        EXPECT_TRUE(RecycleBinHolds(name));
+    } else {
+        EXPECT_EQ(lxtest::ReadFile(file), std::vector<uint8_t>({'t', 'h', 'e', ' ', 'o', 'n', 'l', 'y', ' ', 'c', 'o', 'p', 'y'}));
+    }
+    std::filesystem::remove(file);
 }
 
 TEST(EnsureOutputFolder, AcceptsOrCreatesAFolderAndShowsWhyAFileCannotBeOne) {

@@ -1,0 +1,77 @@
+// The contrast-resize size rule, and the run over real bitmap files with a recycle bin that
+// moves sources into a folder of its own: the source is never lost. (Sizes, grey form and
+// names of the results are checked through the export under Wine.)
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "../SplitContrastSupport.h"
+#include "ContrastRun.h"
+
+namespace lx {
+namespace {
+
+namespace fs = std::filesystem;
+using lxtest::ScratchDir;
+using lxtest::WriteBitmapFile;
+
+const ContrastTexts kTexts{L"loading", L"saving"};
+
+using lxtest::QuietSink;
+
+// Moves sources into `folder` and puts a folder where the result should go, so that its
+// write fails.
+class FolderBin : public SourceBin {
+public:
+    explicit FolderBin(fs::path folder) : folder_(std::move(folder)) { fs::create_directories(folder_); }
+    bool Recycle(const std::wstring& path) override {
+        ++recycles;
+        fs::rename(path, folder_ / fs::path(path).filename());
+        fs::create_directory(path);
+        return true;
+    }
+    void PutBack(const std::wstring& path) override {
+        ++putBacks;
+        fs::remove(path);
+        fs::rename(folder_ / fs::path(path).filename(), path);
+    }
+    void Keep(const std::wstring&) override { ++kept; }
+
+    int recycles = 0, putBacks = 0, kept = 0;
+
+private:
+    fs::path folder_;
+};
+
+TEST(ContrastSize, OnlyTallImagesAreReducedToSixteenHundred) {
+    const struct {
+        int width, height, expectWidth, expectHeight;
+    } cases[] = {{2480, 3508, 1131, 1600}, {1200, 1600, 1200, 1600}, {3000, 1601, 2998, 1600},
+                 {5, 40000, 1, 1600}, {300, 200, 300, 200}};
+    for (const auto& c : cases) {
+        const PixelSize size = ContrastSize(c.width, c.height);
+        EXPECT_EQ(size.width, c.expectWidth) << c.width << "x" << c.height;
+        EXPECT_EQ(size.height, c.expectHeight) << c.width << "x" << c.height;
+    }
+}
+
+// The image is made before the source is touched, and a write that fails puts the source back.
+TEST(ContrastRun, NothingIsLostWhenLoadingOrWritingFails) {
+    ScratchDir dir("contrast-safe");
+    WriteBitmapFile(dir / "page.bmp", 200, 300);
+    lxtest::WriteFile(dir / "broken.bmp", std::string("BM no pixels"));
+    const auto before = lxtest::ReadFile(dir / "page.bmp");
+    FolderBin bin(dir / "bin");
+    QuietSink sink;
+    const ContrastRunResult result =
+        RunContrastResize({(dir / "broken.bmp").wstring(), (dir / "page.bmp").wstring()}, kTexts, sink, bin);
+    EXPECT_EQ(result.skipped, 2);
+    EXPECT_EQ(bin.recycles, 1) << "an unreadable file is never given up";
+    EXPECT_EQ(bin.putBacks, 1);
+    EXPECT_EQ(bin.kept, 0);
+    EXPECT_EQ(lxtest::ReadFile(dir / "page.bmp"), before);
+    EXPECT_TRUE(fs::exists(dir / "broken.bmp"));
+}
+
+}  // namespace
+}  // namespace lx
