@@ -409,20 +409,32 @@ TEST_F(ViewerTest, KeysKeepWorkingAfterAltArrowsAndTheMainKeyboardStarZooms) {
     }
 }
 
-TEST_F(ViewerTest, HandOversToToolsNotBuiltKeepTheViewerAndItsPicture) {
+TEST_F(ViewerTest, TheSlideShowTakesOverTheFileAndAToolNotBuiltKeepsTheViewer) {
     WriteBitmap(dir_ / "h.bmp", 40, 30);
-    Viewer viewer(dir_ / "h.bmp");
-    ASSERT_TRUE(viewer.WaitTitle(L"h.bmp"));
-    for (const auto& [command, frameClass] : {std::pair{2109, L"LXPHOTOEDIT_FRAME"}, {2107, L"LXSLIDESHOW_FRAME"}}) {
-        EXPECT_FALSE(viewer.ToolEnabled(command)) << command;
-        viewer.Command(command);
-        HWND other = nullptr;
-        WaitFor([&] { return (other = FindWindowW(frameClass, nullptr)) != nullptr || viewer.ended(); }, 3000);
-        if (other) PostMessageW(other, WM_CLOSE, 0, 0);
-        EXPECT_EQ(other, nullptr) << command;
-        EXPECT_FALSE(viewer.ended()) << command;
+    WriteBitmap(dir_ / "i.bmp", 40, 30);
+    {
+        Viewer viewer(dir_ / "h.bmp");
+        ASSERT_TRUE(viewer.WaitTitle(L"h.bmp"));
+        EXPECT_FALSE(viewer.ToolEnabled(2109));  // the editor
+        viewer.Command(2109);
+        Sleep(1000);
+        EXPECT_EQ(FindWindowW(L"LXPHOTOEDIT_FRAME", nullptr), nullptr);
+        EXPECT_FALSE(viewer.ended());
         EXPECT_EQ(viewer.StatusText(4), L"40 x 30");
     }
+    Viewer viewer(dir_ / "i.bmp");
+    ASSERT_TRUE(viewer.WaitTitle(L"i.bmp"));
+    ASSERT_TRUE(WaitFor([&] { return viewer.ToolEnabled(2107); }));
+    viewer.Press({VK_F5});
+    EXPECT_TRUE(viewer.WaitEnded());
+    // The show runs in a process of its own, from the viewer's file.
+    HWND show = nullptr;
+    EXPECT_TRUE(WaitFor([&] {
+        show = FindWindowW(L"LXSLIDESHOW_FRAME", nullptr);
+        return show && lxtest::WindowText(show).rfind(L"[2 / 2] i.bmp", 0) == 0;
+    }, 60000));
+    if (show) PostMessageW(show, WM_CLOSE, 0, 0);
+    WaitFor([&] { return FindWindowW(L"LXSLIDESHOW_FRAME", nullptr) == nullptr; });
 }
 
 TEST_F(ViewerTest, StatusBarHelpsWithMenusAndButtonsAndTellsOfAFolderInFull) {
