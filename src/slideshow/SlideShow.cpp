@@ -83,6 +83,7 @@ void SlideShow::Next() {
 void SlideShow::ShowNow() {
     SlidePtr slide = cache_.Find(paths_[next_]);
     if (!slide) {
+        host_.SetBusy(true);  // turns on its own thread while this one decodes
         slide = MakeSlide(next_, host_.LoadNow(paths_[next_]));
         cache_.Put(slide);
     }

@@ -2,6 +2,7 @@
 // watched through its window (its text is the caption on show, the start button's text says
 // whether it runs), driven with its commands, keys and mouse, over real files.
 #include <windows.h>
+#include <psapi.h>
 #include <shlwapi.h>
 
 #include <gtest/gtest.h>
@@ -172,9 +173,10 @@ TEST_F(SlideShowTest, PicturesAreFittedToTheScreenAndCentred) {
                        {w / 2, top - 3, 0},
                        {w / 2, top + c.shownHeight + 2, 0},
                        {left - 3, h / 2, 0}};
-        for (const auto& s : samples)
-            if (s.x >= 0 && s.y >= 0 && s.x < w && s.y < h)
-                EXPECT_EQ(GetPixel(screen, s.x, s.y) & 0xFFFFFF, s.colour) << c.width << " at " << s.x << "," << s.y;
+        for (const auto& s : samples) {
+            if (s.x < 0 || s.y < 0 || s.x >= w || s.y >= h) continue;  // a picture as wide as the screen
+            EXPECT_EQ(GetPixel(screen, s.x, s.y) & 0xFFFFFF, s.colour) << c.width << " at " << s.x << "," << s.y;
+        }
         ReleaseDC(nullptr, screen);
     }
 }
@@ -252,6 +254,29 @@ TEST_F(SlideShowTest, TheEleventhSlideDropsTheFirstWhichIsThenReadAgain) {
     show.Command(2204);
     show.Command(2204);
     EXPECT_EQ(show.Caption(), L"[11 / 12] p11.bmp");  // still kept
+}
+
+TEST_F(SlideShowTest, ManySlideChangesKeepMemoryAndHandlesFlat) {
+    for (int i = 1; i <= 14; ++i) WriteBitmap(dir_ / ("m" + std::to_string(i) + ".bmp"), 1200, 900, 0x101010 * i);
+    SlowDown();
+    Show show(dir_ / "m1.bmp");
+    ASSERT_TRUE(show.WaitCaption(L"[1 / 14] m1.bmp"));
+    auto step = [&](int times) {
+        for (int i = 0; i < times; ++i) show.Command(i % 3 ? 2205 : 2204);
+    };
+    step(30);  // the cache full, and every kind of step taken
+    PROCESS_MEMORY_COUNTERS before{sizeof before}, after{sizeof after};
+    K32GetProcessMemoryInfo(GetCurrentProcess(), &before, sizeof before);
+    const DWORD gdiBefore = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    DWORD handlesBefore = 0, handlesAfter = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &handlesBefore);
+    step(150);
+    K32GetProcessMemoryInfo(GetCurrentProcess(), &after, sizeof after);
+    GetProcessHandleCount(GetCurrentProcess(), &handlesAfter);
+    // Each slide is about 3 MB: one kept too many per step would add hundreds.
+    EXPECT_LT(static_cast<long long>(after.PagefileUsage) - static_cast<long long>(before.PagefileUsage), 40LL << 20);
+    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), gdiBefore + 10);
+    EXPECT_LE(handlesAfter, handlesBefore + 10);
 }
 
 TEST_F(SlideShowTest, ABrokenFileInTheMiddleIsPassedOverWithANote) {
