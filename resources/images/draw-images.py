@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Draws the viewer's bitmaps and icons. The build does not run this script; the images it
+"""Draws the viewer's and the slide show's bitmaps and icons. The build does not run this script; the images it
 writes are committed beside it. Run it again after changing a drawing:
 
     /usr/bin/python3 resources/images/draw-images.py
@@ -284,6 +284,47 @@ def icon_zoom():  # 205: a magnifier
     return im
 
 
+# --- 416 to 419: the slide show's buttons ---------------------------------------------------
+# 32 x 32 glyphs in a light grey that reads on the buttons' dark faces over any picture; no
+# anti-aliasing, so no edge pixel mixes with the transparent magenta.
+GLYPH = (235, 235, 235)
+
+
+def skip_back(d):  # 416: previous
+    d.rectangle([8, 9, 10, 22], fill=GLYPH)
+    d.polygon([(23, 9), (23, 22), (12, 15)], fill=GLYPH)
+
+
+def close_cross(d):  # 418: close
+    d.line([(10, 10), (21, 21)], fill=GLYPH, width=3)
+    d.line([(10, 21), (21, 10)], fill=GLYPH, width=3)
+
+
+def start_glyph(d):  # 419, first image: start (shown while paused)
+    d.polygon([(11, 8), (23, 15), (11, 22)], fill=GLYPH)
+
+
+def pause_glyph(d):  # 419, second image: pause (shown while the show runs)
+    d.rectangle([10, 9, 13, 22], fill=GLYPH)
+    d.rectangle([18, 9, 21, 22], fill=GLYPH)
+
+
+def slide_tile(drawing, mirrored=False):
+    tile = Image.new("RGB", (32, 32), MAGENTA)
+    drawing(ImageDraw.Draw(tile))
+    return tile.transpose(Image.FLIP_LEFT_RIGHT) if mirrored else tile
+
+
+def draw_slide_buttons():
+    save_bmp(slide_tile(skip_back), "slide-previous.bmp")
+    save_bmp(slide_tile(skip_back, mirrored=True), "slide-next.bmp")
+    save_bmp(slide_tile(close_cross), "slide-close.bmp")
+    strip = Image.new("RGB", (64, 32), MAGENTA)
+    strip.paste(slide_tile(start_glyph), (0, 0))
+    strip.paste(slide_tile(pause_glyph), (32, 0))
+    save_bmp(strip, "slide-start.bmp")
+
+
 def main():
     draw_shadow()
     draw_busy()
@@ -291,6 +332,7 @@ def main():
     save_ico(icon_size(), "size.ico")
     save_ico(icon_colours(), "colours.ico")
     save_ico(icon_zoom(), "zoom.ico")
+    draw_slide_buttons()
     print("toolbar 408:", len(TOOLBAR), "items,", len([c for c in TOOLBAR if c]), "images")
 
 

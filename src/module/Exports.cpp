@@ -16,12 +16,13 @@
 #include "ModuleResources.h"
 #include "SettingsStore.h"
 #include "ToolRequest.h"
-// The tools: each one's worker (batch, publishing) or frame (viewer), known here alone.
+// The tools: each one's worker (batch, publishing) or frame (viewer, slide show), known here alone.
 #include "ContrastResizeTool.h"
 #include "ConvertImageTool.h"
 #include "Jpeg2PdfTool.h"
 #include "PickoutThumbnailTool.h"
 #include "RenameTool.h"
+#include "SlideFrame.h"
 #include "SplitImageTool.h"
 #include "ViewFrame.h"
 #include "WebAlbumTool.h"
@@ -71,9 +72,8 @@ int RunBatchTool(const wchar_t* keyName, Worker worker) {
 }
 
 std::unique_ptr<lx::TopFrame> MakeEditorFrame() { return lx::MakePlaceholderFrame(L"LXPHOTOEDIT_FRAME", 4); }
-std::unique_ptr<lx::TopFrame> MakeSlideFrame() { return lx::MakePlaceholderFrame(L"LXSLIDESHOW_FRAME", 7); }
 
-constexpr lx::FrameFactories kFrames = {&MakeEditorFrame, &lx::MakeViewerFrame, &MakeSlideFrame};
+constexpr lx::FrameFactories kFrames = {&MakeEditorFrame, &lx::MakeViewerFrame, &lx::MakeSlideFrame};
 
 }  // namespace
 

@@ -388,29 +388,44 @@ TEST_F(ViewerTest, KeysKeepWorkingAfterAltArrowsAndTheMainKeyboardStarZooms) {
 }
 
 // Started with the eight-bit line rundll32 passes; a load result that is not the one awaited
-// is freed and not shown; hand-overs to tools not built keep the viewer and its picture.
-TEST_F(ViewerTest, AnEightBitLineAStaleResultAndHandOversToToolsNotBuilt) {
+// is freed and not shown; the editor, not built, keeps the viewer and its picture; the slide
+// show takes over the viewer's file.
+TEST_F(ViewerTest, AnEightBitLineAStaleResultAndHandOvers) {
     WriteBitmap(dir_ / "h.bmp", 40, 30);
-    Viewer viewer(dir_ / "h.bmp", true);
-    ASSERT_TRUE(viewer.WaitTitle(L"h.bmp"));
-    PackedDib other = PackedDib::Create(99, 77, 24);
-    HGLOBAL stale = GlobalAlloc(GMEM_MOVEABLE, other.bytes().size());
-    std::memcpy(GlobalLock(stale), other.bytes().data(), other.bytes().size());
-    GlobalUnlock(stale);
-    PostMessageW(viewer.frame(), RegisterWindowMessageW(L"wm_gmil_loadimagecompleted"), 12345,
-                 reinterpret_cast<LPARAM>(stale));
-    EXPECT_TRUE(WaitFor([&] { return GlobalSize(stale) == 0; }, 5000));  // freed by the frame
-    EXPECT_EQ(viewer.StatusText(4), L"40 x 30");
-    for (const auto& [command, frameClass] : {std::pair{2109, L"LXPHOTOEDIT_FRAME"}, {2107, L"LXSLIDESHOW_FRAME"}}) {
-        EXPECT_FALSE(viewer.ToolEnabled(command)) << command;
-        viewer.Command(command);
-        HWND other = nullptr;
-        WaitFor([&] { return (other = FindWindowW(frameClass, nullptr)) != nullptr || viewer.ended(); }, 3000);
-        if (other) PostMessageW(other, WM_CLOSE, 0, 0);
-        EXPECT_EQ(other, nullptr) << command;
-        EXPECT_FALSE(viewer.ended()) << command;
+    WriteBitmap(dir_ / "i.bmp", 40, 30);
+    {
+        Viewer viewer(dir_ / "h.bmp", true);
+        ASSERT_TRUE(viewer.WaitTitle(L"h.bmp"));
+        PackedDib other = PackedDib::Create(99, 77, 24);
+        HGLOBAL stale = GlobalAlloc(GMEM_MOVEABLE, other.bytes().size());
+        std::memcpy(GlobalLock(stale), other.bytes().data(), other.bytes().size());
+        GlobalUnlock(stale);
+        PostMessageW(viewer.frame(), RegisterWindowMessageW(L"wm_gmil_loadimagecompleted"), 12345,
+                     reinterpret_cast<LPARAM>(stale));
+        EXPECT_TRUE(WaitFor([&] { return GlobalSize(stale) == 0; }, 5000));  // freed by the frame
+        EXPECT_EQ(viewer.StatusText(4), L"40 x 30");
+        EXPECT_FALSE(viewer.ToolEnabled(2109));  // the editor
+        viewer.Command(2109);
+        HWND editor = nullptr;
+        WaitFor([&] { return (editor = FindWindowW(L"LXPHOTOEDIT_FRAME", nullptr)) != nullptr || viewer.ended(); }, 3000);
+        if (editor) PostMessageW(editor, WM_CLOSE, 0, 0);
+        EXPECT_EQ(editor, nullptr);
+        EXPECT_FALSE(viewer.ended());
         EXPECT_EQ(viewer.StatusText(4), L"40 x 30");
     }
+    Viewer viewer(dir_ / "i.bmp");
+    ASSERT_TRUE(viewer.WaitTitle(L"i.bmp"));
+    ASSERT_TRUE(WaitFor([&] { return viewer.ToolEnabled(2107); }));
+    viewer.Press({VK_F5});
+    EXPECT_TRUE(viewer.WaitEnded());
+    // The show runs in a process of its own, from the viewer's file.
+    HWND show = nullptr;
+    EXPECT_TRUE(WaitFor([&] {
+        show = FindWindowW(L"LXSLIDESHOW_FRAME", nullptr);
+        return show && lxtest::WindowText(show).rfind(L"[2 / 2] i.bmp", 0) == 0;
+    }, 60000));
+    if (show) PostMessageW(show, WM_CLOSE, 0, 0);
+    WaitFor([&] { return FindWindowW(L"LXSLIDESHOW_FRAME", nullptr) == nullptr; });
 }
 
 TEST_F(ViewerTest, StatusBarHelpsWithMenusAndButtonsAndTellsOfAFolderInFull) {

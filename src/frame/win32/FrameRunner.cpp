@@ -113,7 +113,12 @@ int RunFrameTool(const std::wstring& commandLine, int showCmd, FrameMode mode, c
 int RunSlideShowTool(const std::wstring& path, int showCmd, FrameFactory makeSlide) {
     GdiplusSession gdiplus;
     auto slide = makeSlide();
-    return RunOneFrame(*slide, path, showCmd);
+    MessageLoop loop;
+    RegisteredLoop registered(&loop);
+    // The show gathers its files before it has a window: with none it says so and makes none.
+    slide->OpenStartup(path);
+    if (!slide->Create(showCmd)) return 0;
+    return loop.Run();
 }
 
 }  // namespace lx

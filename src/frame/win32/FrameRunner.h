@@ -59,6 +59,8 @@ struct FrameFactories {
 };
 
 int RunFrameTool(const std::wstring& commandLine, int showCmd, FrameMode mode, const FrameFactories& frames);
+// The slide show's start: its frame is handed the path first (it gathers its files) and
+// then asked for its window, which it declines when it found nothing to show.
 int RunSlideShowTool(const std::wstring& path, int showCmd, FrameFactory slide);
 
 // A plain top-level window of `className`, captioned with string `captionId`: it stands in for

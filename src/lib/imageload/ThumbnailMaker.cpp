@@ -13,20 +13,6 @@
 namespace lx {
 namespace {
 
-// A 32-bit picture's alpha laid over white: the list's cells are not transparent, and a
-// fully transparent pixel often carries black as its colour.
-void FlattenOverWhite(PackedDib& picture) {
-    if (picture.bitCount() != 32 || picture.compression() != kBiRgb) return;
-    for (int y = 0; y < picture.height(); ++y) {
-        uint8_t* p = picture.row(y);
-        for (int x = 0; x < picture.width(); ++x, p += 4) {
-            const int alpha = p[3];
-            for (int c = 0; c < 3; ++c) p[c] = static_cast<uint8_t>((p[c] * alpha + 255 * (255 - alpha) + 127) / 255);
-            p[3] = 255;
-        }
-    }
-}
-
 std::optional<PackedDib> DecodeEmbedded(const EmbeddedImage& image) {
     return image.format == EmbeddedFormat::Jpeg ? LoadJpegFromMemory(image.bytes) : LoadBmpFromMemory(image.bytes);
 }
@@ -36,6 +22,19 @@ bool ExifFastPathApplies(const std::filesystem::path& name) {
 }
 
 }  // namespace
+
+void FlattenAlpha(PackedDib& picture, uint8_t background) {
+    if (picture.bitCount() != 32 || picture.compression() != kBiRgb) return;
+    for (int y = 0; y < picture.height(); ++y) {
+        uint8_t* p = picture.row(y);
+        for (int x = 0; x < picture.width(); ++x, p += 4) {
+            const int alpha = p[3];
+            for (int c = 0; c < 3; ++c)
+                p[c] = static_cast<uint8_t>((p[c] * alpha + background * (255 - alpha) + 127) / 255);
+            p[3] = 255;
+        }
+    }
+}
 
 ThumbSize FitInBox(int width, int height, int box) {
     if (width <= 0 || height <= 0 || box <= 0) return {};
@@ -52,7 +51,8 @@ ThumbSize FitInBox(int width, int height, int box) {
 std::optional<PackedDib> FitThumbnail(PackedDib picture, int box) {
     const ThumbSize size = FitInBox(picture.width(), picture.height(), box);
     if (size.width == 0) return std::nullopt;
-    FlattenOverWhite(picture);
+    // The list's cells are not transparent, and a fully transparent pixel often carries black.
+    FlattenAlpha(picture, 255);
     mif image;
     if (!image.attachdib(std::move(picture))) return std::nullopt;
     if ((size.width != image.width() || size.height != image.height()) &&

@@ -43,6 +43,10 @@ std::optional<PackedDib> MakeThumbnailDibFromBytes(std::span<const uint8_t> file
 // the file embeds none at least `box` on its long side.
 std::optional<PackedDib> EmbeddedThumbnail(ByteSource& source, int box = kThumbnailBox);
 
+// Lays a 32-bit picture's alpha over the grey level `background` (0 black, 255 white) and
+// makes every pixel opaque; other depths are left alone.
+void FlattenAlpha(PackedDib& picture, uint8_t background);
+
 // Reduces a decoded picture to fit `box` and makes it 24-bit; nullopt when it cannot.
 std::optional<PackedDib> FitThumbnail(PackedDib picture, int box = kThumbnailBox);
 

@@ -39,11 +39,14 @@ bool CLoaderThread::SetPath(const std::wstring& path) {
 
 void CLoaderThread::ClearPath() { std::wstring().swap(path_); }
 
+HGLOBAL CLoaderThread::Decode(const std::wstring& path) {
+    std::optional<PackedDib> dib = LoadImageFile(path);
+    return dib ? DibToGlobal(*dib) : nullptr;
+}
+
 void CLoaderThread::Run() {
     Locked lock(lock_);
-    HGLOBAL image = nullptr;
-    if (!path_.empty())
-        if (std::optional<PackedDib> dib = LoadImageFile(path_)) image = DibToGlobal(*dib);
+    HGLOBAL image = path_.empty() ? nullptr : Decode(path_);
     // The frame may have closed while the file was decoded; then nobody would free the block.
     if (!(target_ && IsWindow(target_) && PostMessageW(target_, message_, stamp_, reinterpret_cast<LPARAM>(image))))
         if (image) GlobalFree(image);

@@ -35,6 +35,12 @@ public:
     // True while a load's thread has not ended.
     bool IsRunning() const;
 
+protected:
+    // What a load hands back for `path`, on the loader thread: the decoded picture as a
+    // block for the receiver, or null. A loader that prepares pictures further (the slide
+    // show scales them for the screen) does it here.
+    virtual HGLOBAL Decode(const std::wstring& path);
+
     static constexpr DWORD kStopWaitMs = 6000;
 
 private:

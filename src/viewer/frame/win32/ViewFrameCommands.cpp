@@ -27,17 +27,16 @@ constexpr struct {
     {2124, kZoomOut},      {2125, kZoomFitWidth}, {2126, kZoomFitHeight},
 };
 
-// The tools the viewer hands its file to. Their frames are not part of this module yet:
-// starting one now would only open an empty window, and the slide show would close the viewer
-// for it. Until a tool's frame is built in, its hand-over cannot start: the command is grayed,
-// a key for it only beeps, and the viewer keeps its window and picture.
+// The tools the viewer hands its file to, each started as a new call of this module. A tool
+// whose frame is not built in yet would only open an empty window: its hand-over cannot start
+// (the command is grayed, a key for it only beeps, and the viewer keeps its window and picture).
 constexpr struct {
     UINT command;
     const wchar_t* entry;
     bool closesViewer;  // the slide show replaces the viewer; the editor opens beside it
     bool frameBuilt;
 } kHandOvers[] = {
-    {2107, L"slideRun", true, false},
+    {2107, L"slideRun", true, true},
     {2109, L"pxfRun", false, false},
 };
 
