@@ -409,18 +409,34 @@ TEST_F(ViewerTest, KeysKeepWorkingAfterAltArrowsAndTheMainKeyboardStarZooms) {
     }
 }
 
-TEST_F(ViewerTest, HandOversToToolsNotBuiltKeepTheViewerAndItsPicture) {
+// Ctrl+E opens the file in an editor of its own process and the viewer stays; the slide show,
+// not built yet, starts nothing and keeps the viewer too.
+TEST_F(ViewerTest, HandOversOpenTheEditorBesideTheViewerAndToolsNotBuiltKeepIt) {
     WriteBitmap(dir_ / "h.bmp", 40, 30);
     Viewer viewer(dir_ / "h.bmp");
     ASSERT_TRUE(viewer.WaitTitle(L"h.bmp"));
-    for (const auto& [command, frameClass] : {std::pair{2109, L"LXPHOTOEDIT_FRAME"}, {2107, L"LXSLIDESHOW_FRAME"}}) {
-        EXPECT_FALSE(viewer.ToolEnabled(command)) << command;
-        viewer.Command(command);
+    const struct {
+        UINT command;
+        const wchar_t* frameClass;
+        bool built;
+    } targets[] = {{2109, L"LXPHOTOEDIT_FRAME", true}, {2107, L"LXSLIDESHOW_FRAME", false}};
+    for (const auto& target : targets) {
+        EXPECT_EQ(viewer.ToolEnabled(target.command), target.built) << target.command;
+        viewer.Command(target.command);
         HWND other = nullptr;
-        WaitFor([&] { return (other = FindWindowW(frameClass, nullptr)) != nullptr || viewer.ended(); }, 3000);
-        if (other) PostMessageW(other, WM_CLOSE, 0, 0);
-        EXPECT_EQ(other, nullptr) << command;
-        EXPECT_FALSE(viewer.ended()) << command;
+        WaitFor([&] { return (other = FindWindowW(target.frameClass, nullptr)) != nullptr || viewer.ended(); },
+                target.built ? 60000 : 3000);
+        if (target.built) {
+            ASSERT_NE(other, nullptr);
+            EXPECT_TRUE(WaitFor([&] { return lxtest::WindowText(other) == L"h.bmp - " + kCaption; }));
+        } else {
+            EXPECT_EQ(other, nullptr) << target.command;
+        }
+        if (other) {
+            PostMessageW(other, WM_CLOSE, 0, 0);
+            WaitFor([&] { return !IsWindow(other); });
+        }
+        EXPECT_FALSE(viewer.ended()) << target.command;
         EXPECT_EQ(viewer.StatusText(4), L"40 x 30");
     }
 }

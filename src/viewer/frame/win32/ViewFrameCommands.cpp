@@ -27,10 +27,9 @@ constexpr struct {
     {2124, kZoomOut},      {2125, kZoomFitWidth}, {2126, kZoomFitHeight},
 };
 
-// The tools the viewer hands its file to. Their frames are not part of this module yet:
-// starting one now would only open an empty window, and the slide show would close the viewer
-// for it. Until a tool's frame is built in, its hand-over cannot start: the command is grayed,
-// a key for it only beeps, and the viewer keeps its window and picture.
+// The tools the viewer hands its file to. Until a tool's frame is built in, its hand-over
+// cannot start (the slide show would close the viewer for an empty window): the command is
+// grayed, a key for it only beeps, and the viewer keeps its window and picture.
 constexpr struct {
     UINT command;
     const wchar_t* entry;
@@ -38,7 +37,7 @@ constexpr struct {
     bool frameBuilt;
 } kHandOvers[] = {
     {2107, L"slideRun", true, false},
-    {2109, L"pxfRun", false, false},
+    {2109, L"pxfRun", false, true},
 };
 
 }  // namespace
