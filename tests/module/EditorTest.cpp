@@ -375,6 +375,43 @@ TEST_F(EditorTest, ToRgbRunsOnlyBelowTwentyFourBits) {
     }
 }
 
+TEST_F(EditorTest, CopyPutsTheSelectionOnTheClipboardInThreeForms) {
+    WriteBitmap(dir_ / "k.bmp", 40, 30);
+    Editor editor(dir_ / "k.bmp");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    EmptyClipboard();
+    CloseClipboard();
+    editor.CommandNow(2031);  // no selection: copy is not offered
+    EXPECT_FALSE(IsClipboardFormatAvailable(CF_DIB));
+    editor.Select({5, 5, 25, 15});
+    editor.CommandNow(2031);
+    for (const UINT format : {CF_DIB, CF_PALETTE, CF_BITMAP}) EXPECT_TRUE(IsClipboardFormatAvailable(format)) << format;
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    const auto* header = static_cast<const BITMAPINFOHEADER*>(GlobalLock(GetClipboardData(CF_DIB)));
+    ASSERT_NE(header, nullptr);
+    EXPECT_EQ(header->biWidth, 20);
+    EXPECT_EQ(header->biHeight, 10);
+    GlobalUnlock(GetClipboardData(CF_DIB));
+    CloseClipboard();
+}
+
+TEST_F(EditorTest, ANewImageTooLargeToEditIsRefusedWithAMessage) {
+    Editor editor{std::wstring(L"")};
+    ASSERT_TRUE(editor.frame());
+    for (const auto& [side, made] : {std::pair{30000, false}, {300, true}}) {
+        editor.Command(2010);
+        HWND dialog = nullptr;
+        ASSERT_TRUE(WaitFor([&] { return (dialog = FindWindowW(L"#32770", L"新規作成")) != nullptr; }));
+        SetDlgItemInt(dialog, 1211, side, FALSE);
+        SetDlgItemInt(dialog, 1212, side, FALSE);
+        SendMessageW(GetDlgItem(dialog, IDOK), BM_CLICK, 0, 0);
+        if (!made) EXPECT_NE(editor.Answer(IDOK).find(L"この大きさの画像は作れません。"), std::wstring::npos);
+        EXPECT_TRUE(WaitFor([&] { return editor.HasImage() == made; })) << side;
+    }
+    EXPECT_EQ(editor.StatusText(4), L"300 x 300");
+}
+
 TEST_F(EditorTest, TheRecentListKeepsTheFourNewestDroppedFiles) {
     for (int i = 0; i < 5; ++i) WriteBitmap(dir_ / ("d" + std::to_string(i) + ".bmp"), 20, 20);
     {
