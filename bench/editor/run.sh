@@ -30,7 +30,7 @@ printf "%-52s %9.4f %8s\n" "plain decode (reference)" "$decode" 1
 printf "%-52s %9.4f %8s\n" "pxfRunW to picture in the view" "$open" "$(ratio "$open" "$decode")"
 printf "%-52s %9.4f %8s\n" "memcpy of the picture (reference)" "$copy" 1
 printf "%-52s %9.4f %8s\n" "mirror command minus the mirror itself (Commit)" "$(echo "$command - $mirror" | bc -l)" \
-       "$(ratio "$command - $mirror" "$copy")"
+       "$(ratio "($command - $mirror)" "$copy")"
 printf "%-52s %9.4f %8s\n" "undo command" "$undo" "$(ratio "$undo" "$copy")"
 echo "16 undo steps: $steps MB for a $image MB picture = $(ratio "$steps" "$image") copies (at most 17)"
 echo "reproduce: bench/editor/run.sh"
