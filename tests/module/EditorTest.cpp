@@ -244,6 +244,7 @@ TEST_F(EditorTest, SeventeenEditsKeepSixteenStepsAndUndoRestoresTheSelection) {
     WriteBitmap(dir_ / "r.bmp", 40, 30);
     Editor editor(dir_ / "r.bmp");
     ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    const DWORD gdiBefore = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
     for (int edit = 1; edit <= 17; ++edit) {
         editor.Select({0, 0, edit, edit});  // the selection before edit N
         editor.CommandNow(2081);            // rotating drops the selection
@@ -259,6 +260,7 @@ TEST_F(EditorTest, SeventeenEditsKeepSixteenStepsAndUndoRestoresTheSelection) {
     EXPECT_EQ(editor.StatusText(4), L"30 x 40");  // after the first edit, not the loaded picture
     EXPECT_FALSE(editor.ToolEnabled(2036));
     EXPECT_FALSE(editor.ToolEnabled(2008));  // every step undone: clean again
+    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), gdiBefore + 5);
     editor.Command(2001);
     EXPECT_TRUE(editor.WaitEnded(5000));  // nothing asked
 }
@@ -410,6 +412,28 @@ TEST_F(EditorTest, ANewImageTooLargeToEditIsRefusedWithAMessage) {
         EXPECT_TRUE(WaitFor([&] { return editor.HasImage() == made; })) << side;
     }
     EXPECT_EQ(editor.StatusText(4), L"300 x 300");
+}
+
+// From the keyboard the view's context menu (the image menu) opens at the view's corner.
+TEST_F(EditorTest, TheKeyboardsContextMenuOpensAtTheViewsCorner) {
+    WriteBitmap(dir_ / "m.bmp", 40, 30);
+    Editor editor(dir_ / "m.bmp");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    PostMessageW(editor.frame(), WM_CONTEXTMENU, reinterpret_cast<WPARAM>(editor.View()), -1);
+    HWND menu = nullptr;
+    auto shownMenu = [] {
+        for (HWND w = FindWindowExW(nullptr, nullptr, L"#32768", nullptr); w; w = FindWindowExW(nullptr, w, L"#32768", nullptr))
+            if (IsWindowVisible(w)) return w;
+        return HWND{};
+    };
+    ASSERT_TRUE(WaitFor([&] { return (menu = shownMenu()) != nullptr; }));
+    RECT popup{}, view{};
+    GetWindowRect(menu, &popup);
+    GetWindowRect(editor.View(), &view);
+    EXPECT_NEAR(popup.left, view.left, 4);
+    EXPECT_NEAR(popup.top, view.top, 4);
+    SendMessageW(editor.frame(), WM_CANCELMODE, 0, 0);
+    EXPECT_TRUE(WaitFor([&] { return !IsWindowVisible(menu); }));
 }
 
 TEST_F(EditorTest, TheRecentListKeepsTheFourNewestDroppedFiles) {

@@ -111,6 +111,8 @@ LRESULT CMainFrame::OnCreate(WPARAM, LPARAM) {
 
     // The menu with the filter popup that the plug-ins fill, before "表示(&V)".
     HMENU menu = LoadMenuW(ModuleInstance(), MAKEINTRESOURCEW(kFrameResource));
+    // The context menu is the fourth menu as loaded (the view's), not the filters put there.
+    contextMenu_ = menu ? GetSubMenu(menu, kContextMenuPosition) : nullptr;
     if (menu)
         InsertMenuW(menu, kFilterMenuPosition, MF_BYPOSITION | MF_POPUP, reinterpret_cast<UINT_PTR>(CreatePopupMenu()),
                     L"フィルタ(&P)");
@@ -255,11 +257,11 @@ LRESULT CMainFrame::OnInitMenuPopup(WPARAM, LPARAM) {
     return 0;
 }
 
-// The view's context menu: the fourth top-level menu, at the pointer, or at the view's
-// top-left corner when the keyboard asked.
+// The view's context menu: the fourth top-level menu of the menu as loaded, at the pointer, or
+// at the view's top-left corner when the keyboard asked.
 LRESULT CMainFrame::OnContextMenu(WPARAM wParam, LPARAM lParam) {
     if (reinterpret_cast<HWND>(wParam) != zoomView_) return Default(WM_CONTEXTMENU, wParam, lParam);
-    HMENU popup = GetSubMenu(commandBar_.Menu(), kContextMenuPosition);
+    HMENU popup = contextMenu_;
     if (!popup) return 0;
     POINT at{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
     if (lParam == -1) {

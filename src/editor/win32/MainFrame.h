@@ -138,6 +138,7 @@ private:
     RecentDocuments recent_;
     Icon paneIcons_[3];
     HACCEL accelerators_ = nullptr;
+    HMENU contextMenu_ = nullptr;  // a popup of the command bar's menu
 };
 
 // The editor's frame, for the frame runner (the module hands this factory in).
