@@ -42,6 +42,22 @@ const wchar_t* const kNaviPos = MAKEINTRESOURCEW(4618);       // "NaviPos"
 
 HMENU ToMenuId(int id) { return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)); }
 
+// The plug-in submenus start empty; a menu script cannot say so, so the placeholder each
+// holds goes here.
+void EmptyPluginSubmenus(HMENU menu) {
+    static const wchar_t* const kPluginMenus[] = {L"形式を指定して書き出し(&W)", L"色調の変更(&V)"};
+    for (int top = 0; top < GetMenuItemCount(menu); ++top) {
+        HMENU popup = GetSubMenu(menu, top);
+        for (int i = 0; popup && i < GetMenuItemCount(popup); ++i) {
+            wchar_t text[64] = {};
+            GetMenuStringW(popup, static_cast<UINT>(i), text, 64, MF_BYPOSITION);
+            for (const wchar_t* name : kPluginMenus)
+                if (HMENU sub = GetSubMenu(popup, i); sub && wcscmp(text, name) == 0)
+                    while (GetMenuItemCount(sub) > 0) DeleteMenu(sub, 0, MF_BYPOSITION);
+        }
+    }
+}
+
 }  // namespace
 
 std::span<const MessageEntry<CMainFrame>> CMainFrame::Messages() {
@@ -113,6 +129,7 @@ LRESULT CMainFrame::OnCreate(WPARAM, LPARAM) {
     HMENU menu = LoadMenuW(ModuleInstance(), MAKEINTRESOURCEW(kFrameResource));
     // The context menu is the fourth menu as loaded (the view's), not the filters put there.
     contextMenu_ = menu ? GetSubMenu(menu, kContextMenuPosition) : nullptr;
+    if (menu) EmptyPluginSubmenus(menu);
     if (menu)
         InsertMenuW(menu, kFilterMenuPosition, MF_BYPOSITION | MF_POPUP, reinterpret_cast<UINT_PTR>(CreatePopupMenu()),
                     L"フィルタ(&P)");
