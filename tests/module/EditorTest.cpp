@@ -436,6 +436,42 @@ TEST_F(EditorTest, TheKeyboardsContextMenuOpensAtTheViewsCorner) {
     EXPECT_TRUE(WaitFor([&] { return !IsWindowVisible(menu); }));
 }
 
+void DropFile(HWND frame, const std::filesystem::path& path) {
+    const auto block = lxtest::WideDropBlock({path.wstring()});
+    HGLOBAL drop = GlobalAlloc(GMEM_MOVEABLE, block.size());
+    std::memcpy(GlobalLock(drop), block.data(), block.size());
+    GlobalUnlock(drop);
+    PostMessageW(frame, WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
+}
+
+TEST_F(EditorTest, OpeningOverChangesAsksAndCancelKeepsTheDocument) {
+    WriteBitmap(dir_ / "a.bmp", 40, 30);
+    WriteBitmap(dir_ / "b.bmp", 20, 20);
+    Editor editor(dir_ / "a.bmp");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    editor.CommandNow(2081);
+    DropFile(editor.frame(), dir_ / "b.bmp");
+    EXPECT_NE(editor.Answer(IDCANCEL).find(L"画像は修正されています。"), std::wstring::npos);
+    EXPECT_EQ(editor.Title(), L"a.bmp - " + kCaption);
+    EXPECT_TRUE(editor.ToolEnabled(2008));
+    DropFile(editor.frame(), dir_ / "b.bmp");
+    editor.Answer(IDNO);
+    EXPECT_TRUE(WaitFor([&] { return editor.Title() == L"b.bmp - " + kCaption; }));
+    EXPECT_FALSE(editor.ToolEnabled(2008));
+}
+
+// Alt+Left and Alt+Right step through the folder's pictures in the shell's order of names.
+TEST_F(EditorTest, PreviousAndNextGoRoundTheFolderInNaturalOrder) {
+    for (const char* name : {"a10.bmp", "a9.bmp", "A1.bmp"}) WriteBitmap(dir_ / name, 20, 20);
+    lxtest::WriteFile(dir_ / "notes.txt", std::string("not a picture"));
+    Editor editor(dir_ / "a9.bmp");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    for (const auto& [command, title] : {std::pair{2015, L"a10.bmp"}, {2015, L"A1.bmp"}, {2014, L"a10.bmp"}, {2014, L"a9.bmp"}}) {
+        editor.Command(command);
+        EXPECT_TRUE(WaitFor([&] { return editor.Title() == std::wstring(title) + L" - " + kCaption; })) << title;
+    }
+}
+
 TEST_F(EditorTest, TheRecentListKeepsTheFourNewestDroppedFiles) {
     for (int i = 0; i < 5; ++i) WriteBitmap(dir_ / ("d" + std::to_string(i) + ".bmp"), 20, 20);
     {
@@ -443,11 +479,7 @@ TEST_F(EditorTest, TheRecentListKeepsTheFourNewestDroppedFiles) {
         ASSERT_TRUE(editor.frame());
         for (int i = 0; i < 5; ++i) {
             const std::wstring name = L"d" + std::to_wstring(i) + L".bmp";
-            const auto block = lxtest::WideDropBlock({(dir_.path() / name).wstring()});
-            HGLOBAL drop = GlobalAlloc(GMEM_MOVEABLE, block.size());
-            std::memcpy(GlobalLock(drop), block.data(), block.size());
-            GlobalUnlock(drop);
-            PostMessageW(editor.frame(), WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
+            DropFile(editor.frame(), dir_.path() / name);
             ASSERT_TRUE(WaitFor([&] { return editor.Title() == name + L" - " + kCaption; })) << i;
         }
         editor.Command(2001);
