@@ -106,7 +106,7 @@ void CMainFrame::NewImage() {
     if (!RunNewImageDialog(hwnd(), settings)) return;
     HGLOBAL image = CreateNewImage(settings);
     if (!image) {
-        Ask(4152, L"", MB_OK | MB_ICONERROR);
+        Ask(4172, L"", MB_OK | MB_ICONERROR);
         return;
     }
     const bool empty = !ViewImage();

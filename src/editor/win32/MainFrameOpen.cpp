@@ -63,7 +63,7 @@ bool CMainFrame::OpenClipboard() {
     if (!image) return false;
     fileType_ = kImageBmp;
     ShowLoaded(image);
-    SetWindowTextW(hwnd(), DocumentTitle(LoadResString(4150), LoadResString(4)).c_str());
+    SetWindowTextW(hwnd(), DocumentTitle(LoadResString(4170), LoadResString(4)).c_str());
     return true;
 }
 
@@ -74,14 +74,14 @@ bool CMainFrame::LoadForDisplay(const std::wstring& path) {
     if (!dib || !EditableSize(dib->width(), dib->height())) {
         // A file of a known format that does not load is worth a word; anything else (a text
         // file, a folder) leaves the frame quietly empty.
-        if (ProbeImageType(std::filesystem::path(path)) != kImageUnknown) Ask(4151, path, MB_OK | MB_ICONERROR);
+        if (ProbeImageType(std::filesystem::path(path)) != kImageUnknown) Ask(4171, path, MB_OK | MB_ICONERROR);
         return false;
     }
     HDC screen = GetDC(nullptr);
     const int displayBits = GetDeviceCaps(screen, BITSPIXEL) * GetDeviceCaps(screen, PLANES);
     ReleaseDC(nullptr, screen);
     if (displayBits < 9 && displayBits < dib->bitCount()) {
-        SetWindowTextW(hwnd(), LoadResString(4153).c_str());
+        SetWindowTextW(hwnd(), LoadResString(4173).c_str());
         mif reduced;
         if (reduced.attachdib(std::move(*dib)) && reduced.quantize(256, kQuantizeDiffusion, nullptr))
             dib = reduced.createdib();
