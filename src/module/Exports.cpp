@@ -16,10 +16,11 @@
 #include "ModuleResources.h"
 #include "SettingsStore.h"
 #include "ToolRequest.h"
-// The tools: each one's worker (batch, publishing) or frame (viewer, slide show), known here alone.
+// The tools: each one's worker (batch, publishing) or frame (editor, viewer, slide show), known here alone.
 #include "ContrastResizeTool.h"
 #include "ConvertImageTool.h"
 #include "Jpeg2PdfTool.h"
+#include "MainFrame.h"
 #include "PickoutThumbnailTool.h"
 #include "RenameTool.h"
 #include "SlideFrame.h"
@@ -71,9 +72,7 @@ int RunBatchTool(const wchar_t* keyName, Worker worker) {
     return 0;
 }
 
-std::unique_ptr<lx::TopFrame> MakeEditorFrame() { return lx::MakePlaceholderFrame(L"LXPHOTOEDIT_FRAME", 4); }
-
-constexpr lx::FrameFactories kFrames = {&MakeEditorFrame, &lx::MakeViewerFrame, &lx::MakeSlideFrame};
+constexpr lx::FrameFactories kFrames = {&lx::MakeEditorFrame, &lx::MakeViewerFrame, &lx::MakeSlideFrame};
 
 }  // namespace
 

@@ -63,8 +63,16 @@ int RunOneFrame(TopFrame& frame, const std::wstring& commandLine, int showCmd) {
 }  // namespace
 
 int MessageLoop::Run() {
-    MSG msg;
-    while (GetMessageW(&msg, nullptr, 0, 0) > 0) {
+    constexpr UINT kSystemTimer = 0x0118;  // the caret's blink timer
+    MSG msg{};
+    bool idle = true;
+    for (;;) {
+        if (idle && !PeekMessageW(&msg, nullptr, 0, 0, PM_NOREMOVE)) {
+            for (auto& handler : idleHandlers_) handler();
+            idle = false;
+        }
+        if (GetMessageW(&msg, nullptr, 0, 0) <= 0) break;
+        if (msg.message != WM_PAINT && msg.message != WM_TIMER && msg.message != kSystemTimer) idle = true;
         bool consumed = false;
         for (auto& filter : filters_) {
             if (filter(msg)) {

@@ -28,16 +28,21 @@ public:
 };
 
 // A message loop of one thread. Frames may add filters that see each message before it is
-// dispatched (accelerators, modeless dialogs); a filter returning true consumes it.
+// dispatched (accelerators, modeless dialogs); a filter returning true consumes it. Idle
+// handlers run once each time the queue runs empty after a message that may have changed
+// something (paint and timer messages do not count), as frames enable their commands then.
 class MessageLoop {
 public:
     using Filter = std::function<bool(MSG&)>;
+    using IdleHandler = std::function<void()>;
     void AddFilter(Filter filter) { filters_.push_back(std::move(filter)); }
+    void AddIdleHandler(IdleHandler handler) { idleHandlers_.push_back(std::move(handler)); }
     // Pumps until WM_QUIT; returns its exit code.
     int Run();
 
 private:
     std::vector<Filter> filters_;
+    std::vector<IdleHandler> idleHandlers_;
 };
 
 // The loop registered for the calling thread, or null.

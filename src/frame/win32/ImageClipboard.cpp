@@ -3,8 +3,23 @@
 #include "mif.h"
 
 namespace lx {
+namespace {
 
-bool PutImageOnClipboard(HWND owner, HGLOBAL image, const RECT& selection) {
+// A device-dependent bitmap of the screen's format showing the DIB.
+HBITMAP DeviceBitmapOf(const PackedDib& dib, HPALETTE palette) {
+    HDC screen = GetDC(nullptr);
+    HPALETTE old = palette ? SelectPalette(screen, palette, FALSE) : nullptr;
+    if (palette) RealizePalette(screen);
+    const auto* info = reinterpret_cast<const BITMAPINFO*>(dib.bytes().data());
+    HBITMAP bitmap = CreateDIBitmap(screen, &info->bmiHeader, CBM_INIT, dib.bits(), info, DIB_RGB_COLORS);
+    if (old) SelectPalette(screen, old, FALSE);
+    ReleaseDC(nullptr, screen);
+    return bitmap;
+}
+
+}  // namespace
+
+bool PutImageOnClipboard(HWND owner, HGLOBAL image, const RECT& selection, ClipboardForms forms) {
     if (!image) return false;
     mif copy(image);
     if (copy.width() <= 0) return false;
@@ -15,17 +30,25 @@ bool PutImageOnClipboard(HWND owner, HGLOBAL image, const RECT& selection) {
     HGLOBAL dib = static_cast<HGLOBAL>(copy.createglobaldib());
     if (!dib) return false;
     HPALETTE palette = nullptr;
-    if (copy.depth() <= 8)
+    if (copy.depth() <= 8) {
         if (HBITMAP shown = copy.createbitmap(&palette)) DeleteObject(shown);
+    } else if (forms == ClipboardForms::WithBitmap) {
+        HDC screen = GetDC(nullptr);
+        palette = CreateHalftonePalette(screen);
+        ReleaseDC(nullptr, screen);
+    }
+    HBITMAP bitmap = forms == ClipboardForms::WithBitmap ? DeviceBitmapOf(copy.dib(), palette) : nullptr;
     if (!OpenClipboard(owner)) {
         GlobalFree(dib);
         if (palette) DeleteObject(palette);
+        if (bitmap) DeleteObject(bitmap);
         return false;
     }
     EmptyClipboard();
     // The clipboard owns what it accepted; what it refused is still ours.
     if (!SetClipboardData(CF_DIB, dib)) GlobalFree(dib);
     if (palette && !SetClipboardData(CF_PALETTE, palette)) DeleteObject(palette);
+    if (bitmap && !SetClipboardData(CF_BITMAP, bitmap)) DeleteObject(bitmap);
     CloseClipboard();
     return true;
 }

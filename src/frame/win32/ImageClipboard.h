@@ -5,9 +5,15 @@
 
 namespace lx {
 
-// Puts a copy of `image` (a packed DIB block, lent) on the clipboard as CF_DIB, with its
-// palette as CF_PALETTE when it has one; only the `selection` when it is not empty. The
-// system offers CF_BITMAP from the DIB. False when there is no image or the clipboard is busy.
-bool PutImageOnClipboard(HWND owner, HGLOBAL image, const RECT& selection);
+enum class ClipboardForms {
+    DibAndPalette,  // CF_DIB, and CF_PALETTE for a palette image; the system offers CF_BITMAP
+    WithBitmap,     // CF_DIB, CF_PALETTE (a halftone one for direct colour) and CF_BITMAP
+};
+
+// Puts a copy of `image` (a packed DIB block, lent) on the clipboard in `forms`; only the
+// `selection` when it is not empty. False when there is no image or the clipboard is busy
+// (then nothing is left behind).
+bool PutImageOnClipboard(HWND owner, HGLOBAL image, const RECT& selection,
+                         ClipboardForms forms = ClipboardForms::DibAndPalette);
 
 }  // namespace lx

@@ -1,6 +1,7 @@
 #include "ZoomView.h"
 
 #include <windowsx.h>
+#include <commctrl.h>
 
 #include <algorithm>
 #include <climits>
@@ -486,6 +487,79 @@ private:
                   clampToInt(map.ToClientX(selection_.right)), clampToInt(map.ToClientY(selection_.bottom)));
     }
 
+    // ---------------------------------------------------------------- floating image
+    // A picture laid over the view (already scaled to the zoom) that the user drags into
+    // place: Enter or a double click takes the place, Esc or the right button gives up.
+    HIMAGELIST floating_ = nullptr;
+    POINT floatAt_{};  // image pixels of its top-left corner
+
+    void DrawFloating(HDC target, const ViewMapping& map) {
+        if (!floating_) return;
+        ImageList_Draw(floating_, 0, target, static_cast<int>(map.ToClientX(floatAt_.x)),
+                       static_cast<int>(map.ToClientY(floatAt_.y)), ILD_TRANSPARENT);
+    }
+
+    LRESULT OnFloatImage(WPARAM wParam, LPARAM lParam) {
+        auto* list = reinterpret_cast<HIMAGELIST>(wParam);
+        auto* place = reinterpret_cast<POINT*>(lParam);
+        if (!list || !place || !HasPicture() || floating_) return 0;
+        floating_ = list;
+        floatAt_ = *place;
+        InvalidateRect(hwnd(), nullptr, FALSE);
+        const bool placed = TrackFloating();
+        floating_ = nullptr;
+        InvalidateRect(hwnd(), nullptr, FALSE);
+        if (placed) *place = floatAt_;
+        return placed ? 1 : 0;
+    }
+
+    // The view's own loop while the floating picture is placed; messages for other windows
+    // go on as usual.
+    bool TrackFloating() {
+        SetFocus(hwnd());
+        bool dragging = false;
+        POINT last{};
+        MSG msg;
+        while (GetMessageW(&msg, nullptr, 0, 0) > 0) {
+            if (!IsWindow(hwnd())) return false;
+            const bool ours = msg.hwnd == hwnd();
+            if (ours && (msg.message == WM_KEYDOWN && msg.wParam == VK_ESCAPE || msg.message == WM_RBUTTONDOWN)) break;
+            if (ours && (msg.message == WM_KEYDOWN && msg.wParam == VK_RETURN || msg.message == WM_LBUTTONDBLCLK)) {
+                if (GetCapture() == hwnd()) ReleaseCapture();
+                return true;
+            }
+            if (ours && msg.message == WM_LBUTTONDOWN) {
+                dragging = true;
+                last = {GET_X_LPARAM(msg.lParam), GET_Y_LPARAM(msg.lParam)};
+                SetCapture(hwnd());
+                continue;
+            }
+            if (ours && msg.message == WM_MOUSEMOVE && dragging) {
+                const POINT at{GET_X_LPARAM(msg.lParam), GET_Y_LPARAM(msg.lParam)};
+                const ViewMapping map = Mapping();
+                const int64_t dx = map.ToImageX(at.x) - map.ToImageX(last.x);
+                const int64_t dy = map.ToImageY(at.y) - map.ToImageY(last.y);
+                if (dx || dy) {
+                    floatAt_.x += static_cast<LONG>(dx);
+                    floatAt_.y += static_cast<LONG>(dy);
+                    last = at;
+                    InvalidateRect(hwnd(), nullptr, FALSE);
+                }
+                continue;
+            }
+            if (ours && msg.message == WM_LBUTTONUP) {
+                dragging = false;
+                ReleaseCapture();
+                continue;
+            }
+            TranslateMessage(&msg);
+            DispatchMessageW(&msg);
+        }
+        if (msg.message == WM_QUIT) PostQuitMessage(static_cast<int>(msg.wParam));
+        if (GetCapture() == hwnd()) ReleaseCapture();
+        return false;
+    }
+
     // Everything is drawn into a bitmap first, so scrolling and dragging do not flicker.
     void Paint(HDC dc) {
         const RECT client = Client();
@@ -500,6 +574,7 @@ private:
         DrawPicture(buffer.get(), map, client);
         DrawGrid(buffer.get(), map, client);
         DrawSelection(buffer.get(), map);
+        DrawFloating(buffer.get(), map);
         BitBlt(dc, 0, 0, client.right, client.bottom, buffer.get(), 0, 0, SRCCOPY);
     }
 
@@ -533,6 +608,7 @@ std::span<const MessageEntry<ZoomView>> ZoomView::Messages() {
         {kZvApplySettings, &ZoomView::OnApplySettings},
         {kZvReadSettings, &ZoomView::OnReadSettings},
         {kZvInitialize, &ZoomView::OnInitialize},
+        {kZvFloatImage, &ZoomView::OnFloatImage},
         {WM_SIZE, &ZoomView::OnSize},
         {WM_HSCROLL, &ZoomView::OnHScroll},
         {WM_VSCROLL, &ZoomView::OnVScroll},

@@ -35,6 +35,8 @@ enum ZoomViewMessage : UINT {
     kZvApplySettings = 1709,     // lParam ZoomViewSettings*
     kZvReadSettings = 1710,      // lParam ZoomViewSettings*
     kZvGetImage = 1711,          // returns the image handle (still the view's)
+    kZvFloatImage = 1715,        // wParam HIMAGELIST (image 0, scaled to the zoom), lParam POINT* (image
+                                 // pixels, in and out): the user drags it into place; 1 placed, 0 cancelled
     kZvSetZoom = 1716,           // wParam zoom; returns the zoom set
     kZvInitialize = 1719,        // sent once after creation
     kZvCanZoom = 1721,           // low word: can zoom in; high word: can zoom out

@@ -1,7 +1,6 @@
 #include "ViewerRules.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cwctype>
 #include <iterator>
 
@@ -37,22 +36,11 @@ ArrivalZoom ChooseArrivalZoom(int imageWidth, int imageHeight, int clientWidth, 
                                                                     : ArrivalZoom::WholeImage;
 }
 
-std::wstring TitleFileName(const std::wstring& path) {
-    const size_t slash = path.rfind(L'\\');
-    return slash == std::wstring::npos ? path : path.substr(slash + 1);
-}
-
 namespace {
 
 bool SamePathIgnoringCase(const std::wstring& a, const std::wstring& b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](wchar_t x, wchar_t y) { return std::towlower(x) == std::towlower(y); });
-}
-
-std::wstring Format(const wchar_t* format, int a, int b = 0, int c = 0, int d = 0) {
-    wchar_t text[96];
-    const int length = std::swprintf(text, std::size(text), format, a, b, c, d);
-    return length > 0 ? std::wstring(text, length) : std::wstring();
 }
 
 }  // namespace
@@ -73,16 +61,5 @@ void RecentFiles::Assign(std::vector<std::wstring> paths) {
     // Oldest first, so that each Add puts the newer one in front and drops repeats.
     for (auto it = paths.rbegin(); it != paths.rend(); ++it) Add(*it);
 }
-
-std::wstring ZoomText(int tenths) {
-    return tenths % 10 == 0 ? Format(L"%d%%", tenths / 10) : Format(L"%d.%d%%", tenths / 10, tenths % 10);
-}
-std::wstring CursorText(int x, int y) { return Format(L"X:%d Y:%d", x, y); }
-std::wstring CursorSelectionText(int x, int y, int width, int height) {
-    return Format(L"X:%d Y:%d W:%d H:%d", x, y, width, height);
-}
-std::wstring SelectionSizeText(int width, int height) { return Format(L"選択 %d x %d", width, height); }
-std::wstring ImageSizeText(int width, int height) { return Format(L"%d x %d", width, height); }
-std::wstring DepthText(int bitsPerPixel) { return Format(L"%dbpp", bitsPerPixel); }
 
 }  // namespace lx

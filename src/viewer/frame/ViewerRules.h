@@ -1,11 +1,14 @@
 // The viewer frame's rules that need no window: its layout record, moving through the file
-// list, the zoom chosen when a picture arrives, the recent-files list and the status texts.
+// list, the zoom chosen when a picture arrives and the recent-files list. The status texts
+// are the toolkit's (StatusTexts.h).
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
+
+#include "StatusTexts.h"
 
 namespace lx {
 
@@ -37,9 +40,6 @@ enum class ArrivalZoom { OriginalSize = 3, WholeImage = 2 };
 // Original size when the picture fits the view's client area both ways, else the whole picture.
 ArrivalZoom ChooseArrivalZoom(int imageWidth, int imageHeight, int clientWidth, int clientHeight);
 
-// The text after the last backslash, or the whole path when there is none.
-std::wstring TitleFileName(const std::wstring& path);
-
 // The recent files, newest first, at most kMaxRecent; equal paths (ignoring case) appear once.
 class RecentFiles {
 public:
@@ -52,13 +52,5 @@ public:
 private:
     std::vector<std::wstring> paths_;
 };
-
-// Status texts.
-std::wstring ZoomText(int tenthsOfPercent);  // "12.5%", or "25%" when whole
-std::wstring CursorText(int x, int y);
-std::wstring CursorSelectionText(int x, int y, int width, int height);
-std::wstring SelectionSizeText(int width, int height);
-std::wstring ImageSizeText(int width, int height);
-std::wstring DepthText(int bitsPerPixel);
 
 }  // namespace lx

@@ -2,6 +2,7 @@
 // draws (read back through WM_PRINTCLIENT into a DIB section, and once from the screen),
 // selection, the settings records, notifications and resource use.
 #include <windows.h>
+#include <commctrl.h>
 
 #include <gtest/gtest.h>
 
@@ -442,6 +443,40 @@ TEST_F(ZoomViewTest, APictureIsHeldOnceAndResourcesStayFlatOver200Pictures) {
     EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS), user + 2);
     EXPECT_LE(handlesAfter, handles + 2);
     EXPECT_LT(lxtest::PrivateBytes(), memory + (16 << 20));
+}
+
+// The floating picture's own loop reads the posted input: a drag moves it by whole image
+// pixels (at 200 % two screen pixels make one), Enter takes the place, Esc gives up.
+TEST_F(ZoomViewTest, AFloatingPictureIsDraggedIntoPlaceOrGivenUp) {
+    Show(Picture(100, 80, Distinct));
+    Send(kZvSetZoom, 2000);
+    HIMAGELIST list = ImageList_Create(20, 20, ILC_COLOR24 | ILC_MASK, 1, 1);
+    HDC screen = GetDC(nullptr);
+    HBITMAP tile = CreateCompatibleBitmap(screen, 20, 20);
+    ReleaseDC(nullptr, screen);
+    ImageList_AddMasked(list, tile, RGB(255, 255, 255));
+    DeleteObject(tile);
+    const struct {
+        std::vector<std::pair<UINT, LPARAM>> input;
+        WPARAM lastKey;
+        LRESULT result;
+        POINT place;
+    } cases[] = {
+        {{}, VK_RETURN, 1, {5, 6}},
+        {{{WM_LBUTTONDOWN, MAKELPARAM(40, 40)}, {WM_MOUSEMOVE, MAKELPARAM(60, 30)}, {WM_LBUTTONUP, MAKELPARAM(60, 30)}},
+         VK_RETURN, 1, {15, 1}},
+        {{{WM_LBUTTONDOWN, MAKELPARAM(40, 40)}, {WM_MOUSEMOVE, MAKELPARAM(60, 30)}}, VK_ESCAPE, 0, {5, 6}},
+    };
+    for (const auto& c : cases) {
+        for (const auto& [message, at] : c.input) PostMessageW(view_, message, message == WM_LBUTTONUP ? 0 : MK_LBUTTON, at);
+        PostMessageW(view_, WM_KEYDOWN, c.lastKey, 0);
+        POINT place{5, 6};
+        EXPECT_EQ(Send(kZvFloatImage, reinterpret_cast<WPARAM>(list), reinterpret_cast<LPARAM>(&place)), c.result);
+        EXPECT_EQ(place.x, c.place.x);
+        EXPECT_EQ(place.y, c.place.y);
+    }
+    EXPECT_EQ(Send(kZvFloatImage, 0, 0), 0);
+    ImageList_Destroy(list);
 }
 
 }  // namespace

@@ -44,12 +44,6 @@ TEST(ViewerRules, ArrivalZoomIsOriginalSizeOnlyWhenBothSidesFit) {
     EXPECT_EQ(ChooseArrivalZoom(100, 481, 640, 480), ArrivalZoom::WholeImage);
 }
 
-TEST(ViewerRules, FileNameIsTheTextAfterTheLastBackslash) {
-    EXPECT_EQ(TitleFileName(L"C:\\photos\\2024\\写真.jpg"), L"写真.jpg");
-    EXPECT_EQ(TitleFileName(L"plain.jpg"), L"plain.jpg");
-    EXPECT_EQ(TitleFileName(L"C:\\dir\\"), L"");
-}
-
 TEST(ViewerRules, RecentFilesAreNewestFirstUniqueAndCapped) {
     RecentFiles recent;
     recent.Add(L"C:\\a.jpg");
@@ -76,17 +70,6 @@ TEST(ViewerRules, AssignKeepsOrderAndDropsRepeats) {
     EXPECT_EQ(recent.Paths()[0], L"x");
     EXPECT_EQ(recent.Paths()[1], L"y");
     EXPECT_EQ(recent.Paths()[2], L"z");
-}
-
-TEST(ViewerRules, StatusTexts) {
-    EXPECT_EQ(ZoomText(1000), L"100%");
-    EXPECT_EQ(ZoomText(125), L"12.5%");
-    EXPECT_EQ(ZoomText(9999), L"999.9%");
-    EXPECT_EQ(CursorText(12, 7), L"X:12 Y:7");
-    EXPECT_EQ(CursorSelectionText(1, 2, 30, 40), L"X:1 Y:2 W:30 H:40");
-    EXPECT_EQ(SelectionSizeText(640, 480), L"選択 640 x 480");
-    EXPECT_EQ(ImageSizeText(6000, 4000), L"6000 x 4000");
-    EXPECT_EQ(DepthText(24), L"24bpp");
 }
 
 }  // namespace

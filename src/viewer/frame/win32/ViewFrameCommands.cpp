@@ -37,7 +37,7 @@ constexpr struct {
     bool frameBuilt;
 } kHandOvers[] = {
     {2107, L"slideRun", true, true},
-    {2109, L"pxfRun", false, false},
+    {2109, L"pxfRun", false, true},
 };
 
 }  // namespace

@@ -1,0 +1,16 @@
+// Resource ids of the editor's dialogs, shared by their templates and their code.
+#pragma once
+#define IDD_EDITOR_SETUP 2110
+#define IDD_EDITOR_NEWIMAGE 2010
+#define IDD_EDITOR_ABOUT 57664
+#define IDC_SETUP_ZOOM_ORIGINAL 1201
+#define IDC_SETUP_ZOOM_FIT 1202
+#define IDC_SETUP_ZOOM_LAST 1203
+#define IDC_SETUP_GRID_STEP 1204
+#define IDC_SETUP_REFIT 1205
+#define IDC_SETUP_SMALL_BUTTONS 1206
+#define IDC_NEWIMAGE_WIDTH 1211
+#define IDC_NEWIMAGE_HEIGHT 1212
+#define IDC_NEWIMAGE_DEPTH 1213
+#define IDC_NEWIMAGE_WHITE 1214
+#define IDC_ABOUT_VERSION 1221

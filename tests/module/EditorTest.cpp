@@ -1,0 +1,530 @@
+// The photo editor as the host starts it: pxfRunW of lxpicture.dll on a thread of its own,
+// driven from the test through its real windows (commands, questions, the save dialog, the
+// status bar, the clipboard), against real files and the real registry.
+#include <windows.h>
+#include <commctrl.h>
+#include <shlwapi.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "../lib/exif/ExifTestSupport.h"
+#include "../lib/nccore/win32/DialogDriver.h"
+#include "DropBlock.h"
+#include "ImageCodecs.h"
+#include "ModuleTest.h"
+#include "TestFiles.h"
+
+using namespace lx;
+using lxtest::Dll;
+using lxtest::ScratchDir;
+using lxtest::WaitFor;
+
+namespace {
+
+constexpr wchar_t kFrameClass[] = L"LXPHOTOEDIT_FRAME";
+constexpr int kZoomViewId = 21, kStatusId = 59393, kToolBarId = 0xE803;
+constexpr UINT kGetSelection = 1705, kSetSelection = 1704, kGetImage = 1711, kSetZoom = 1716;
+const std::wstring kCaption = L"フォト イメージ";
+const std::wstring kEditorCaption = L"フォト レタッチ";
+const wchar_t kSettingsRoot[] = L"Software\\Northcape\\Applets\\lxpicture";
+const wchar_t kSettingsKey[] = L"Software\\Northcape\\Applets\\lxpicture\\MainEditor";
+const wchar_t kRecentKey[] = L"Software\\Northcape\\Applets\\lxpicture\\Recent Document List";
+
+HWND FindChild(HWND parent, int id) {
+    for (HWND child : lxtest::Descendants(parent))
+        if (GetDlgCtrlID(child) == id) return child;
+    return nullptr;
+}
+
+// A bitmap file whose every pixel has the value `grey` (an index for palette depths).
+void WriteBitmap(const std::filesystem::path& path, int width, int height, int depth = 24, int grey = 128) {
+    PackedDib dib = PackedDib::Create(width, height, depth);
+    for (int y = 0; y < height; ++y) std::memset(dib.row(y), grey, dib.stride());
+    ASSERT_NE(SaveBmpFile(path, dib), 0);
+}
+
+// One editor started through pxfRunW with `line`; closed (if still open) at the end, saying
+// No to a question about unsaved changes.
+class Editor {
+public:
+    explicit Editor(std::wstring line) {
+        auto entry = lxtest::Entry<lxtest::WideEntry>("pxfRunW");
+        thread_ = std::thread([this, entry, line]() mutable {
+            threadId_ = GetCurrentThreadId();
+            entry(nullptr, Dll(), line.data(), SW_SHOWNORMAL);
+            ended_ = true;
+        });
+        WaitFor([&] { return (frame_ = FrameOfThread()) != nullptr; });
+    }
+    explicit Editor(const std::filesystem::path& path) : Editor(L"\"" + path.wstring() + L"\"") {}
+    ~Editor() {
+        if (!ended_ && frame_) {
+            PostMessageW(frame_, WM_CLOSE, 0, 0);
+            if (!WaitFor([&] { return ended_.load(); }, 3000)) Answer(IDNO);
+        }
+        thread_.join();
+    }
+
+    HWND frame() const { return frame_; }
+    bool ended() const { return ended_; }
+    bool WaitEnded(int ms = 20000) { return WaitFor([&] { return ended_.load(); }, ms); }
+    std::wstring Title() const { return lxtest::WindowText(frame_); }
+    bool HasImage() const { return SendMessageW(View(), kGetImage, 0, 0) != 0; }
+
+    // A command carried out before this returns; one that opens a dialog goes by Command.
+    void CommandNow(UINT id) { SendMessageW(frame_, WM_COMMAND, id, 0); }
+    void Command(UINT id) { PostMessageW(frame_, WM_COMMAND, id, 0); }
+    // Lets the frame's idle pass run (the zoom pane and the command states follow it).
+    void Idle() {
+        PostMessageW(frame_, WM_NULL, 0, 0);
+        SendMessageW(frame_, WM_NULL, 0, 0);
+        Sleep(50);
+    }
+
+    HWND View() const { return FindChild(frame_, kZoomViewId); }
+    std::wstring StatusText(int index) const {
+        wchar_t text[200] = {};
+        SendMessageW(FindChild(frame_, kStatusId), SB_GETTEXTW, index, reinterpret_cast<LPARAM>(text));
+        return text;
+    }
+    bool ToolEnabled(UINT id) const {
+        return SendMessageW(FindChild(frame_, kToolBarId), TB_ISBUTTONENABLED, id, 0) != 0;
+    }
+    RECT Selection() const {
+        RECT r{};
+        SendMessageW(View(), kGetSelection, 0, reinterpret_cast<LPARAM>(&r));
+        return r;
+    }
+    void Select(RECT r) { SendMessageW(View(), kSetSelection, 0, reinterpret_cast<LPARAM>(&r)); }
+
+    // The message box the frame shows: its text, answered with `button`; empty when none came.
+    std::wstring Answer(int button) {
+        HWND box = nullptr;
+        if (!WaitFor([&] { return (box = OwnedDialog()) != nullptr; }, 10000)) return L"";
+        const std::wstring text = lxtest::AllChildTexts(box);
+        PostMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(box, button)));
+        WaitFor([&] { return !IsWindow(box); }, 10000);
+        return text;
+    }
+    // The save dialog, given `path` and confirmed with its first type (JPEG). The name box is
+    // an edit control (1152) or the edit inside a combo box (1148).
+    bool SaveDialog(const std::filesystem::path& path) {
+        HWND dialog = nullptr, name = nullptr;
+        auto nameBox = [&] {
+            for (HWND child : lxtest::Descendants(dialog))
+                if (lxtest::WindowClass(child) == L"Edit" && (GetDlgCtrlID(child) == 1152 || GetDlgCtrlID(child) == 1148))
+                    return child;
+            return HWND{};
+        };
+        if (!WaitFor([&] { return (dialog = OwnedDialog()) != nullptr && (name = nameBox()) != nullptr; }, 10000))
+            return false;
+        SetWindowTextW(name, path.wstring().c_str());
+        SendMessageW(GetDlgItem(dialog, IDOK), BM_CLICK, 0, 0);
+        return WaitFor([&] { return !IsWindow(dialog); }, 10000);
+    }
+    // Nothing is asked for a while.
+    bool Quiet(int ms = 500) {
+        Sleep(ms);
+        return OwnedDialog() == nullptr;
+    }
+
+private:
+    HWND FrameOfThread() const {
+        HWND found = nullptr;
+        for (HWND w = FindWindowExW(nullptr, nullptr, kFrameClass, nullptr); w;
+             w = FindWindowExW(nullptr, w, kFrameClass, nullptr))
+            if (GetWindowThreadProcessId(w, nullptr) == threadId_) found = w;
+        return found;
+    }
+    HWND OwnedDialog() const {
+        HWND found = nullptr;
+        for (HWND w = FindWindowExW(nullptr, nullptr, L"#32770", nullptr); w; w = FindWindowExW(nullptr, w, L"#32770", nullptr))
+            if (GetWindow(w, GW_OWNER) == frame_ && IsWindowVisible(w)) found = w;
+        return found;
+    }
+
+    std::thread thread_;
+    std::atomic<DWORD> threadId_{0};
+    std::atomic<bool> ended_{false};
+    HWND frame_ = nullptr;
+};
+
+std::vector<uint8_t> Bytes(const std::filesystem::path& path) { return lxtest::ReadFile(path); }
+
+class EditorTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_NE(Dll(), nullptr) << "cannot load " << LX_DLL_PATH;
+        SHDeleteKeyW(HKEY_CURRENT_USER, kSettingsKey);
+        SHDeleteKeyW(HKEY_CURRENT_USER, kRecentKey);
+    }
+    ScratchDir dir_{"editor"};
+};
+
+TEST_F(EditorTest, OpensThePhotographAndStoresItsPlacesOnClose) {
+    WriteBitmap(dir_ / "a.bmp", 64, 48);
+    {
+        Editor editor(dir_ / "a.bmp");
+        ASSERT_TRUE(editor.frame());
+        ASSERT_TRUE(WaitFor([&] { return editor.Title() == L"a.bmp - " + kCaption; }));
+        EXPECT_EQ(editor.StatusText(4), L"64 x 48");
+        EXPECT_EQ(editor.StatusText(5), L"24bpp");
+        for (const auto& [zoom, text] : {std::pair{1250, L"125%"}, {333, L"33.3%"}}) {
+            SendMessageW(editor.View(), kSetZoom, zoom, 0);
+            editor.Idle();
+            EXPECT_EQ(editor.StatusText(2), text);
+        }
+        EXPECT_FALSE(editor.ToolEnabled(2008));  // clean: nothing to save
+        editor.Command(2001);
+        EXPECT_TRUE(editor.WaitEnded());
+    }
+    HKEY key = nullptr;
+    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, kSettingsKey, 0, KEY_READ, &key), ERROR_SUCCESS);
+    uint8_t view[64] = {};
+    DWORD size = sizeof view;
+    EXPECT_EQ(RegQueryValueExW(key, L"ZoomViewInfo", nullptr, nullptr, view, &size), 0);
+    EXPECT_EQ(size, 60u);
+    int32_t zoom = 0;
+    std::memcpy(&zoom, view + 48, 4);
+    EXPECT_EQ(zoom, 333);
+    for (const auto& [name, bytes] : {std::pair{L"WndPos", 44u}, {L"NaviPos", 48u}}) {
+        size = 0;
+        EXPECT_EQ(RegQueryValueExW(key, name, nullptr, nullptr, nullptr, &size), 0) << name;
+        EXPECT_EQ(size, bytes) << name;
+    }
+    RegCloseKey(key);
+}
+
+TEST_F(EditorTest, WhatNoReaderTakesLeavesTheFrameEmpty) {
+    lxtest::WriteFile(dir_ / "text.jpg", std::string("not a picture"));
+    std::filesystem::create_directory(dir_ / "folder.bmp");
+    for (const std::filesystem::path& path : {dir_ / "text.jpg", dir_ / "folder.bmp", dir_ / "missing.bmp"}) {
+        Editor editor(path);
+        ASSERT_TRUE(editor.frame()) << path;
+        Sleep(300);
+        EXPECT_FALSE(editor.HasImage()) << path;
+        EXPECT_EQ(editor.Title(), kEditorCaption) << path;
+        EXPECT_TRUE(editor.Quiet(0)) << path;
+    }
+}
+
+TEST_F(EditorTest, ClipInAnyCaseOpensTheClipboardImageAndNothingWithoutOne) {
+    auto fillClipboard = [](bool withImage) {
+        ASSERT_TRUE(OpenClipboard(nullptr));
+        EmptyClipboard();
+        if (withImage) {
+            PackedDib dib = PackedDib::Create(30, 20, 24);
+            HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, dib.bytes().size());
+            std::memcpy(GlobalLock(block), dib.bytes().data(), dib.bytes().size());
+            GlobalUnlock(block);
+            SetClipboardData(CF_DIB, block);
+        }
+        CloseClipboard();
+    };
+    fillClipboard(true);
+    for (const wchar_t* line : {L"/clip", L"/CLIP", L"\"/Clip\""}) {
+        Editor editor{std::wstring(line)};
+        ASSERT_TRUE(WaitFor([&] { return editor.Title() == L"クリップボード - " + kEditorCaption; })) << line;
+        EXPECT_EQ(editor.StatusText(4), L"30 x 20");
+        EXPECT_FALSE(editor.ToolEnabled(2008));
+    }
+    fillClipboard(false);
+    Editor editor{std::wstring(L"/clip")};
+    Sleep(300);
+    EXPECT_FALSE(editor.HasImage());
+}
+
+TEST_F(EditorTest, SeventeenEditsKeepSixteenStepsAndUndoRestoresTheSelection) {
+    WriteBitmap(dir_ / "r.bmp", 40, 30);
+    Editor editor(dir_ / "r.bmp");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    const DWORD gdiBefore = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    for (int edit = 1; edit <= 17; ++edit) {
+        editor.Select({0, 0, edit, edit});  // the selection before edit N
+        editor.CommandNow(2081);            // rotating drops the selection
+    }
+    EXPECT_EQ(editor.StatusText(4), L"30 x 40");
+    EXPECT_TRUE(editor.ToolEnabled(2008));
+    for (int undo = 1; undo <= 16; ++undo) {
+        ASSERT_TRUE(editor.ToolEnabled(2036)) << undo;
+        editor.CommandNow(2036);
+        const RECT s = editor.Selection();
+        EXPECT_EQ(s.right, 18 - undo) << undo;  // the selection made before the undone edit
+    }
+    EXPECT_EQ(editor.StatusText(4), L"30 x 40");  // after the first edit, not the loaded picture
+    EXPECT_FALSE(editor.ToolEnabled(2036));
+    EXPECT_FALSE(editor.ToolEnabled(2008));  // every step undone: clean again
+    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), gdiBefore + 5);
+    editor.Command(2001);
+    EXPECT_TRUE(editor.WaitEnded(5000));  // nothing asked
+}
+
+TEST_F(EditorTest, SaveWritesOnlyAModifiedDocumentAndClosingAsksFirst) {
+    WriteBitmap(dir_ / "s.bmp", 40, 30);
+    const auto before = Bytes(dir_ / "s.bmp");
+    Editor editor(dir_ / "s.bmp");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    editor.CommandNow(2008);  // clean: nothing happens
+    EXPECT_EQ(Bytes(dir_ / "s.bmp"), before);
+    editor.CommandNow(2081);
+    EXPECT_TRUE(editor.ToolEnabled(2008));
+    // Closing with changes asks; Cancel keeps the editor and its changes.
+    editor.Command(2001);
+    EXPECT_NE(editor.Answer(IDCANCEL).find(L"画像は修正されています。保存しますか？"), std::wstring::npos);
+    EXPECT_FALSE(editor.ended());
+    EXPECT_TRUE(editor.ToolEnabled(2008));
+    editor.CommandNow(2008);
+    EXPECT_NE(Bytes(dir_ / "s.bmp"), before);
+    EXPECT_FALSE(editor.ToolEnabled(2008));
+    editor.Command(2001);
+    EXPECT_TRUE(editor.WaitEnded(5000));
+}
+
+TEST_F(EditorTest, SaveAsOfACleanDocumentWritesAndAnExistingFileIsAskedAbout) {
+    WriteBitmap(dir_ / "c.bmp", 40, 30);
+    ASSERT_NE(SaveImageByType(dir_ / "other.jpg", PackedDib::Create(8, 8, 24), kImageJpeg), 0);
+    const auto other = Bytes(dir_ / "other.jpg");
+    Editor editor(dir_ / "c.bmp");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    // New names: written without a question as the chosen type, named after it; the
+    // document takes the name.
+    for (const auto& [typed, written] : {std::pair{L"copy.png", L"copy.jpg"}, {L"copy2.jpeg", L"copy2.jpeg"}}) {
+        editor.Command(2002);
+        ASSERT_TRUE(editor.SaveDialog(dir_.path() / typed));
+        EXPECT_TRUE(WaitFor([&] { return editor.Title() == std::wstring(written) + L" - " + kCaption; })) << typed;
+        EXPECT_EQ(ProbeImageType(dir_.path() / written), kImageJpeg);
+    }
+    EXPECT_FALSE(std::filesystem::exists(dir_ / "copy.png"));
+    // An existing one: No keeps it, Yes replaces it.
+    for (const int answer : {IDNO, IDYES}) {
+        editor.Command(2002);
+        ASSERT_TRUE(editor.SaveDialog(dir_ / "other.jpg"));
+        EXPECT_NE(editor.Answer(answer).find(L"このファイルは既に存在します。"), std::wstring::npos);
+        EXPECT_TRUE(editor.Quiet());
+        EXPECT_EQ(Bytes(dir_ / "other.jpg") == other, answer == IDNO) << answer;
+    }
+}
+
+TEST_F(EditorTest, AReadOnlyFileIsWrittenOnlyWhenTheUserSaysSo) {
+    WriteBitmap(dir_ / "ro.bmp", 40, 30);
+    const auto before = Bytes(dir_ / "ro.bmp");
+    SetFileAttributesW((dir_ / "ro.bmp").c_str(), FILE_ATTRIBUTE_READONLY);
+    Editor editor(dir_ / "ro.bmp");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    editor.CommandNow(2081);
+    editor.Command(2008);
+    EXPECT_NE(editor.Answer(IDNO).find(L"読み取り専用です。"), std::wstring::npos);
+    EXPECT_TRUE(editor.Quiet());
+    EXPECT_EQ(Bytes(dir_ / "ro.bmp"), before);
+    EXPECT_TRUE(editor.ToolEnabled(2008));
+    editor.Command(2008);
+    editor.Answer(IDYES);
+    EXPECT_TRUE(WaitFor([&] { return !editor.ToolEnabled(2008); }));
+    EXPECT_NE(Bytes(dir_ / "ro.bmp"), before);
+    EXPECT_FALSE(GetFileAttributesW((dir_ / "ro.bmp").c_str()) & FILE_ATTRIBUTE_READONLY);
+}
+
+TEST_F(EditorTest, WritingOverAPhotographsShootingInformationIsAskedFirst) {
+    ASSERT_NE(SaveImageByType(dir_ / "plain.jpg", PackedDib::Create(40, 30, 24), kImageJpeg), 0);
+    lxtest::WriteFile(dir_ / "shot.jpg",
+                      lxtest::JpegWithExif(lxtest::TiffWithDate("2020:01:02 03:04:05"), Bytes(dir_ / "plain.jpg")));
+    ASSERT_TRUE(HasShootingInfo(dir_ / "shot.jpg"));
+    const auto before = Bytes(dir_ / "shot.jpg");
+    Editor editor(dir_ / "shot.jpg");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    editor.CommandNow(2081);
+    editor.Command(2008);
+    EXPECT_NE(editor.Answer(IDNO).find(L"各種撮影情報が含まれています。"), std::wstring::npos);
+    EXPECT_TRUE(editor.Quiet());
+    EXPECT_EQ(Bytes(dir_ / "shot.jpg"), before);
+    editor.Command(2008);
+    editor.Answer(IDYES);
+    EXPECT_TRUE(WaitFor([&] { return !editor.ToolEnabled(2008); }));
+    EXPECT_FALSE(HasShootingInfo(dir_ / "shot.jpg"));
+}
+
+// A picture whose name says FlashPix, a type the codecs cannot write: the write fails.
+TEST_F(EditorTest, AFailedWriteKeepsTheFileAndTheChanges) {
+    WriteBitmap(dir_ / "f.fpx", 40, 30);
+    const auto before = Bytes(dir_ / "f.fpx");
+    Editor editor(dir_ / "f.fpx");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    editor.CommandNow(2083);
+    editor.Command(2008);
+    EXPECT_NE(editor.Answer(IDOK).find(L"ファイルを保存できません。"), std::wstring::npos);
+    EXPECT_EQ(Bytes(dir_ / "f.fpx"), before);
+    EXPECT_TRUE(editor.ToolEnabled(2008));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir_.path()), {}), 1);  // no temporary left
+}
+
+TEST_F(EditorTest, ToRgbRunsOnlyBelowTwentyFourBits) {
+    WriteBitmap(dir_ / "p.bmp", 16, 16, 8, 3);
+    WriteBitmap(dir_ / "t.bmp", 16, 16, 24);
+    for (const auto& [name, depthAfter] : {std::pair{"p.bmp", L"24bpp"}, {"t.bmp", L"24bpp"}}) {
+        Editor editor(dir_ / name);
+        ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+        const bool palette = std::string(name) == "p.bmp";
+        EXPECT_EQ(editor.StatusText(5), palette ? L"8bpp" : L"24bpp");
+        editor.CommandNow(2051);
+        EXPECT_EQ(editor.StatusText(5), depthAfter);
+        EXPECT_EQ(editor.ToolEnabled(2036), palette) << name;  // a step only where it ran
+    }
+}
+
+TEST_F(EditorTest, CopyPutsTheSelectionOnTheClipboardInThreeForms) {
+    WriteBitmap(dir_ / "k.bmp", 40, 30);
+    Editor editor(dir_ / "k.bmp");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    EmptyClipboard();
+    CloseClipboard();
+    editor.CommandNow(2031);  // no selection: copy is not offered
+    EXPECT_FALSE(IsClipboardFormatAvailable(CF_DIB));
+    editor.Select({5, 5, 25, 15});
+    editor.CommandNow(2031);
+    for (const UINT format : {CF_DIB, CF_PALETTE, CF_BITMAP}) EXPECT_TRUE(IsClipboardFormatAvailable(format)) << format;
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    const auto* header = static_cast<const BITMAPINFOHEADER*>(GlobalLock(GetClipboardData(CF_DIB)));
+    ASSERT_NE(header, nullptr);
+    EXPECT_EQ(header->biWidth, 20);
+    EXPECT_EQ(header->biHeight, 10);
+    GlobalUnlock(GetClipboardData(CF_DIB));
+    CloseClipboard();
+}
+
+TEST_F(EditorTest, ANewImageTooLargeToEditIsRefusedWithAMessage) {
+    Editor editor{std::wstring(L"")};
+    ASSERT_TRUE(editor.frame());
+    for (const auto& [side, made] : {std::pair{30000, false}, {300, true}}) {
+        editor.Command(2010);
+        HWND dialog = nullptr;
+        ASSERT_TRUE(WaitFor([&] { return (dialog = FindWindowW(L"#32770", L"新規作成")) != nullptr; }));
+        SetDlgItemInt(dialog, 1211, side, FALSE);
+        SetDlgItemInt(dialog, 1212, side, FALSE);
+        SendMessageW(GetDlgItem(dialog, IDOK), BM_CLICK, 0, 0);
+        if (!made) EXPECT_NE(editor.Answer(IDOK).find(L"この大きさの画像は作れません。"), std::wstring::npos);
+        EXPECT_TRUE(WaitFor([&] { return editor.HasImage() == made; })) << side;
+    }
+    EXPECT_EQ(editor.StatusText(4), L"300 x 300");
+}
+
+// From the keyboard the view's context menu (the image menu) opens at the view's corner.
+TEST_F(EditorTest, TheKeyboardsContextMenuOpensAtTheViewsCorner) {
+    WriteBitmap(dir_ / "m.bmp", 40, 30);
+    Editor editor(dir_ / "m.bmp");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    PostMessageW(editor.frame(), WM_CONTEXTMENU, reinterpret_cast<WPARAM>(editor.View()), -1);
+    HWND menu = nullptr;
+    auto shownMenu = [] {
+        for (HWND w = FindWindowExW(nullptr, nullptr, L"#32768", nullptr); w; w = FindWindowExW(nullptr, w, L"#32768", nullptr))
+            if (IsWindowVisible(w)) return w;
+        return HWND{};
+    };
+    ASSERT_TRUE(WaitFor([&] { return (menu = shownMenu()) != nullptr; }));
+    RECT popup{}, view{};
+    GetWindowRect(menu, &popup);
+    GetWindowRect(editor.View(), &view);
+    EXPECT_NEAR(popup.left, view.left, 4);
+    EXPECT_NEAR(popup.top, view.top, 4);
+    SendMessageW(editor.frame(), WM_CANCELMODE, 0, 0);
+    EXPECT_TRUE(WaitFor([&] { return !IsWindowVisible(menu); }));
+}
+
+void DropFile(HWND frame, const std::filesystem::path& path) {
+    const auto block = lxtest::WideDropBlock({path.wstring()});
+    HGLOBAL drop = GlobalAlloc(GMEM_MOVEABLE, block.size());
+    std::memcpy(GlobalLock(drop), block.data(), block.size());
+    GlobalUnlock(drop);
+    PostMessageW(frame, WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
+}
+
+TEST_F(EditorTest, OpeningOverChangesAsksAndCancelKeepsTheDocument) {
+    WriteBitmap(dir_ / "a.bmp", 40, 30);
+    WriteBitmap(dir_ / "b.bmp", 20, 20);
+    Editor editor(dir_ / "a.bmp");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    editor.CommandNow(2081);
+    DropFile(editor.frame(), dir_ / "b.bmp");
+    EXPECT_NE(editor.Answer(IDCANCEL).find(L"画像は修正されています。"), std::wstring::npos);
+    EXPECT_EQ(editor.Title(), L"a.bmp - " + kCaption);
+    EXPECT_TRUE(editor.ToolEnabled(2008));
+    DropFile(editor.frame(), dir_ / "b.bmp");
+    editor.Answer(IDNO);
+    EXPECT_TRUE(WaitFor([&] { return editor.Title() == L"b.bmp - " + kCaption; }));
+    EXPECT_FALSE(editor.ToolEnabled(2008));
+}
+
+// Alt+Left and Alt+Right step through the folder's pictures in the shell's order of names.
+TEST_F(EditorTest, PreviousAndNextGoRoundTheFolderInNaturalOrder) {
+    for (const char* name : {"a10.bmp", "a9.bmp", "A1.bmp"}) WriteBitmap(dir_ / name, 20, 20);
+    lxtest::WriteFile(dir_ / "notes.txt", std::string("not a picture"));
+    Editor editor(dir_ / "a9.bmp");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }));
+    for (const auto& [command, title] : {std::pair{2015, L"a10.bmp"}, {2015, L"A1.bmp"}, {2014, L"a10.bmp"}, {2014, L"a9.bmp"}}) {
+        editor.Command(command);
+        EXPECT_TRUE(WaitFor([&] { return editor.Title() == std::wstring(title) + L" - " + kCaption; })) << title;
+    }
+}
+
+TEST_F(EditorTest, TheRecentListKeepsTheFourNewestDroppedFiles) {
+    for (int i = 0; i < 5; ++i) WriteBitmap(dir_ / ("d" + std::to_string(i) + ".bmp"), 20, 20);
+    {
+        Editor editor(std::wstring(L""));
+        ASSERT_TRUE(editor.frame());
+        for (int i = 0; i < 5; ++i) {
+            const std::wstring name = L"d" + std::to_wstring(i) + L".bmp";
+            DropFile(editor.frame(), dir_.path() / name);
+            ASSERT_TRUE(WaitFor([&] { return editor.Title() == name + L" - " + kCaption; })) << i;
+        }
+        editor.Command(2001);
+        ASSERT_TRUE(editor.WaitEnded());
+    }
+    HKEY key = nullptr;
+    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, kRecentKey, 0, KEY_READ, &key), ERROR_SUCCESS);
+    DWORD count = 0, size = sizeof count;
+    EXPECT_EQ(RegQueryValueExW(key, L"DocumentCount", nullptr, nullptr, reinterpret_cast<BYTE*>(&count), &size), 0);
+    EXPECT_EQ(count, 4u);
+    for (int i = 0; i < 5; ++i) {
+        wchar_t path[520] = {};
+        size = sizeof path;
+        const std::wstring value = L"Document" + std::to_wstring(i + 1);
+        const LONG found = RegQueryValueExW(key, value.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(path), &size);
+        if (i == 4) {
+            EXPECT_NE(found, 0);
+            continue;
+        }
+        EXPECT_EQ(std::wstring(path), (dir_ / ("d" + std::to_string(4 - i) + ".bmp")).wstring()) << i;
+    }
+    RegCloseKey(key);
+}
+
+TEST_F(EditorTest, SetupChangesTheZoomRuleAndKeepsItInTheDisplayStatus) {
+    WriteBitmap(dir_ / "big.bmp", 3000, 2000);
+    {
+        Editor editor(dir_ / "big.bmp");
+        ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }, 30000));
+        EXPECT_LT(SendMessageW(editor.View(), 1698, 0, 0), 1000);  // default rule: larger pictures fit
+        editor.Command(2110);
+        HWND setup = nullptr;
+        ASSERT_TRUE(WaitFor([&] { return (setup = FindWindowW(L"#32770", L"動作環境の設定")) != nullptr; }));
+        SendMessageW(GetDlgItem(setup, 1201), BM_CLICK, 0, 0);  // original size
+        SendMessageW(GetDlgItem(setup, IDOK), BM_CLICK, 0, 0);
+        ASSERT_TRUE(WaitFor([&] { return !IsWindow(setup); }));
+        editor.Command(2001);
+        ASSERT_TRUE(editor.WaitEnded());
+    }
+    DWORD options = 0, size = sizeof options;
+    ASSERT_EQ(RegGetValueW(HKEY_CURRENT_USER, kSettingsKey, L"DisplayStatus", RRF_RT_REG_DWORD, nullptr, &options, &size), 0);
+    EXPECT_EQ(options >> 16, 0u);
+    Editor editor(dir_ / "big.bmp");
+    ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }, 30000));
+    EXPECT_EQ(SendMessageW(editor.View(), 1698, 0, 0), 1000);
+}
+
+}  // namespace
