@@ -33,9 +33,9 @@ check "$?" 0 "a retired entry returns"
 # lxhost writes a real request (drop list, path, effect) and the entry consumes it, in both variants.
 tmp=$(mktemp -d)
 printf 'x' > "$tmp/a b.jpg"
-out=$(wine "$lxhost" webalbum --path 'C:\' --effect 3 "$tmp/a b.jpg" 2>&1)
-check "$?:$out" "0:request consumed" "lxhost webalbum consumes its request"
-out=$(wine "$lxhost" webalbum --ansi "$tmp/a b.jpg" 2>&1)
+out=$(wine "$lxhost" split --path 'C:\' --effect 3 "$tmp/a b.jpg" 2>&1)
+check "$?:$out" "0:request consumed" "lxhost split consumes its request (an unreadable file: no dialog)"
+out=$(wine "$lxhost" split --ansi "$tmp/a b.jpg" 2>&1)
 check "$?:$out" "0:request consumed" "lxhost --ansi goes through the eight-bit entry"
 out=$(wine "$lxhost" nosuchtool x 2>&1)
 check "$?" 2 "lxhost refuses an unknown tool"
