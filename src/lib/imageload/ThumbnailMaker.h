@@ -43,6 +43,10 @@ std::optional<PackedDib> MakeThumbnailDibFromBytes(std::span<const uint8_t> file
 // the file embeds none at least `box` on its long side.
 std::optional<PackedDib> EmbeddedThumbnail(ByteSource& source, int box = kThumbnailBox);
 
+// The smallest embedded picture of `source` whose long side reaches `minLongSide`, decoded and
+// upright at its own size; nullopt when there is none.
+std::optional<PackedDib> EmbeddedPicture(ByteSource& source, int minLongSide);
+
 // Reduces a decoded picture to fit `box` and makes it 24-bit; nullopt when it cannot.
 std::optional<PackedDib> FitThumbnail(PackedDib picture, int box = kThumbnailBox);
 
