@@ -9,7 +9,7 @@ packages=(
   g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-tools libz-mingw-w64-dev
   wine wine64 xvfb xauth x11-apps x11-utils xdotool fonts-ipafont-gothic
   imagemagick qpdf poppler-utils libjpeg-turbo-progs libimage-exiftool-perl
-  libvips-tools img2pdf python3-pil hyperfine bc time
+  libvips-tools img2pdf python3-pil hyperfine bc time locales
 )
 
 missing=()
@@ -21,6 +21,12 @@ if [ ${#missing[@]} -gt 0 ]; then
   export DEBIAN_FRONTEND=noninteractive
   apt-get update -qq
   apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+fi
+
+# The Japanese locale: Wine takes the system ANSI code page (932) from it, as on a Japanese
+# Windows; the album test writes its sheets under it.
+if ! locale -a 2>/dev/null | grep -qix 'ja_JP.utf8'; then
+  localedef -i ja_JP -c -f UTF-8 ja_JP.UTF-8
 fi
 
 "$here/wine-prefix.sh"

@@ -14,7 +14,6 @@
 #include "DropListPaths.h"
 #include "FrameRunner.h"
 #include "ModuleResources.h"
-#include "SettingsStore.h"
 #include "ToolRequest.h"
 // The tools: each one's worker (batch, publishing) or frame (editor, viewer, slide show), known here alone.
 #include "ContrastResizeTool.h"
@@ -92,21 +91,11 @@ LX_BATCH_ENTRY(RunSplitImageW, lx::RunSplitImageTool)
 LX_BATCH_ENTRY(RunContrastResizeW, lx::RunContrastResizeTool)
 LX_BATCH_ENTRY(RunRenameToExifDateW, lx::RunRenameToExifDateTool)
 LX_BATCH_ENTRY(RunJpeg2PdfW, lx::ConvertJpegsToPdf)
+LX_BATCH_ENTRY(RunWebAlbumW, lx::RunWebAlbumTool)
 
 LX_EXPORT int WINAPI RunPickoutThumbnailW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
     return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
         lx::RunPickoutThumbnailTool(owner, files, request.path);
-    });
-}
-
-LX_EXPORT int WINAPI RunWebAlbumW(HWND owner, HINSTANCE, LPWSTR commandLine, int) {
-    return RunBatchTool(commandLine, [&](const Files& files, const lx::ToolRequest& request) {
-        std::vector<uint8_t> status(lx::kWebAlbumStatusBytes);
-        lx::SettingsStore settings;
-        if (settings.ReadBlock(MAKEINTRESOURCEW(4408), MAKEINTRESOURCEW(4612), status.data(),
-                               lx::kWebAlbumStatusBytes) != lx::kWebAlbumStatusBytes)
-            status.clear();
-        lx::RunWebAlbumTool(owner, files, status);
     });
 }
 

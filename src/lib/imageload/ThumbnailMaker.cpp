@@ -63,6 +63,12 @@ std::optional<PackedDib> FitThumbnail(PackedDib picture, int box) {
 }
 
 std::optional<PackedDib> EmbeddedThumbnail(ByteSource& source, int box) {
+    auto picture = EmbeddedPicture(source, box);
+    if (!picture) return std::nullopt;
+    return FitThumbnail(std::move(*picture), box);
+}
+
+std::optional<PackedDib> EmbeddedPicture(ByteSource& source, int minLongSide) {
     const std::vector<EmbeddedImageRef> images = ListEmbeddedImages(source);
     if (images.empty()) return std::nullopt;
     // Smallest first, since a raw file may also embed a preview of several megapixels. A size
@@ -77,14 +83,14 @@ std::optional<PackedDib> EmbeddedThumbnail(ByteSource& source, int box) {
                      [&](size_t a, size_t b) { return pixels(images[a]) < pixels(images[b]); });
     for (size_t index : order) {
         const EmbeddedImageRef& ref = images[index];
-        if (ref.width > 0 && ref.height > 0 && std::max(ref.width, ref.height) < box) continue;
+        if (ref.width > 0 && ref.height > 0 && std::max(ref.width, ref.height) < minLongSide) continue;
         const auto extracted = ExtractEmbeddedImage(source, ref);
         if (!extracted) continue;
         auto picture = DecodeEmbedded(*extracted);
-        if (!picture || std::max(picture->width(), picture->height()) < box) continue;
+        if (!picture || std::max(picture->width(), picture->height()) < minLongSide) continue;
         // The embedded picture is stored the way the sensor saw it, like the main image.
         if (const auto orientation = ReadOrientation(source)) OrientUpright(*picture, *orientation);
-        return FitThumbnail(std::move(*picture), box);
+        return picture;
     }
     return std::nullopt;
 }

@@ -47,6 +47,10 @@ std::optional<PackedDib> EmbeddedThumbnail(ByteSource& source, int box = kThumbn
 // makes every pixel opaque; other depths are left alone.
 void FlattenAlpha(PackedDib& picture, uint8_t background);
 
+// The smallest embedded picture of `source` whose long side reaches `minLongSide`, decoded and
+// upright at its own size; nullopt when there is none.
+std::optional<PackedDib> EmbeddedPicture(ByteSource& source, int minLongSide);
+
 // Reduces a decoded picture to fit `box` and makes it 24-bit; nullopt when it cannot.
 std::optional<PackedDib> FitThumbnail(PackedDib picture, int box = kThumbnailBox);
 

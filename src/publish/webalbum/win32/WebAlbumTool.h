@@ -1,18 +1,22 @@
 // The worker behind the module's RunWebAlbumW export: given the owner window and the
-// request's files, it runs the tool to the end. The list stays owned by the caller.
+// request's files, it reads the album settings, asks, stores the settings when confirmed and
+// builds the album. The list stays owned by the caller.
 #pragma once
 
 #include <windows.h>
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "ToolSink.h"
+#include "WebAlbumRun.h"
+
 namespace lx {
 
-constexpr int kWebAlbumStatusBytes = 1588;
+void RunWebAlbumTool(HWND owner, const std::vector<std::wstring>& files);
 
-// `savedStatus` is the album's saved settings block (1588 bytes), empty when absent.
-void RunWebAlbumTool(HWND owner, const std::vector<std::wstring>& files, const std::vector<uint8_t>& savedStatus);
+// The run alone with the stored settings (as the dialog last saved them), for unattended
+// runs: `folder` replaces the output folder when not empty.
+WebAlbumResult RunWebAlbumFiles(const std::wstring& folder, const std::vector<std::wstring>& files, ToolSink& sink);
 
 }  // namespace lx

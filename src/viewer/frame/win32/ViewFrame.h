@@ -84,6 +84,7 @@ private:
     // Commands (ViewFrameCommands.cpp).
     bool RunCommand(UINT id);
     void OpenWithDialog();
+    void OpenFolderWithDialog();
     void DeleteCurrent();
     void Step(bool forward);
     void Rotate(int code);

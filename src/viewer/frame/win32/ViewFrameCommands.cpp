@@ -6,7 +6,10 @@
 #include "FileOperations.h"
 #include "ImageClipboard.h"
 #include "ImagePrint.h"
+#include "ImageTypes.h"
 #include "ModuleResources.h"
+#include "PathNames.h"
+#include "SelectFolderDlg.h"
 #include "SizeClipDialog.h"
 #include "ViewFrame.h"
 #include "ZoomView.h"
@@ -16,6 +19,27 @@ namespace lx {
 namespace {
 
 constexpr UINT kFirstRecent = 0xE110;
+constexpr UINT kOpenFolderCommand = 2007;
+
+// The first viewable file of `folder` in the list's order (the shell's logical name order);
+// empty when there is none.
+std::wstring FirstViewableFile(const std::wstring& folder) {
+    wchar_t pattern[kPathChars];
+    if (!PathCombineW(pattern, folder.c_str(), L"*.*")) return {};
+    WIN32_FIND_DATAW data{};
+    HANDLE search = FindFirstFileW(pattern, &data);
+    if (search == INVALID_HANDLE_VALUE) return {};
+    std::wstring first;
+    do {
+        if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) || ImageTypeFromPath(data.cFileName) == kImageUnknown)
+            continue;
+        if (first.empty() || StrCmpLogicalW(data.cFileName, first.c_str()) < 0) first = data.cFileName;
+    } while (FindNextFileW(search, &data));
+    FindClose(search);
+    wchar_t full[kPathChars];
+    if (first.empty() || !PathCombineW(full, folder.c_str(), first.c_str())) return {};
+    return full;
+}
 constexpr UINT kLastRecent = 0xE11F;
 
 // Zoom commands of the menu and the view's zoom command numbers.
@@ -69,6 +93,7 @@ bool CViewFrame::RunCommand(UINT id) {
     case 2001: PostMessageW(hwnd(), WM_CLOSE, 0, 0); return true;
     case 2005: Print(); return true;
     case 2006: OpenWithDialog(); return true;
+    case kOpenFolderCommand: OpenFolderWithDialog(); return true;
     case 2009: DeleteCurrent(); return true;
     case 2014: Step(false); return true;
     case 2015: Step(true); return true;
@@ -115,6 +140,14 @@ void CViewFrame::OpenWithDialog() {
     wchar_t path[kPathChars] = {};
     lstrcpynW(path, currentPath_.c_str(), kPathChars);
     if (ShowImageFileDialog(hwnd(), 0, 4092, path, true)) Open(path, true);
+}
+
+// A folder chosen in the folder dialog shows its first picture with the folder listed.
+void CViewFrame::OpenFolderWithDialog() {
+    const std::wstring folder = SelectFolderPath(hwnd(), currentPath_.empty() ? L"" : FolderOf(currentPath_));
+    if (folder.empty()) return;
+    const std::wstring first = FirstViewableFile(folder);
+    if (first.empty() || !Open(first, true)) statusBar_.SetText(0, LoadResString(4088));
 }
 
 void CViewFrame::DeleteCurrent() {

@@ -1,0 +1,17 @@
+// Resource ids of the web album dialog.
+#pragma once
+
+#define IDD_HTMLSHEET 336
+#define IDC_ALBUM_FORMAT 1301
+#define IDC_ALBUM_COLOUR 1302
+#define IDC_ALBUM_WIDTH 1303
+#define IDC_ALBUM_HEIGHT 1304
+#define IDC_ALBUM_LINK 1305
+#define IDC_ALBUM_TITLE 1306
+#define IDC_ALBUM_COLUMNS 1307
+#define IDC_ALBUM_ROWS 1308
+#define IDC_ALBUM_BORDER 1309
+#define IDC_ALBUM_FOLDER 1310
+#define IDC_ALBUM_BROWSE 1311
+#define IDC_ALBUM_COPY 1312
+#define IDC_ALBUM_BROWSER 1313
