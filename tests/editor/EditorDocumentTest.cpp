@@ -105,11 +105,13 @@ TEST_F(EditorDocumentTest, CommitRecordsTheOldPictureAndPutsTheNewOneInInOrder) 
     ASSERT_TRUE(doc.Commit(host.Make(2), 0, true, false));
     EXPECT_TRUE(host.selection.empty());
     EXPECT_EQ(doc.UndoCount(), 1u);
-}
-
-TEST_F(EditorDocumentTest, ACommandTextWithoutALineFeedNamesTheStepWhole) {
-    doc.SetImage(host.Make(0));
-    doc.Commit(host.Make(1), 2010, true, false);
+    // Undo brings back the picture and the selection from before the crop.
+    ASSERT_TRUE(doc.Undo());
+    EXPECT_EQ(host.selection, (ViewRect{1, 2, 30, 40}));
+    EXPECT_EQ(host.sizePane, L"640 x 480");
+    EXPECT_EQ(host.depthPane, L"8bpp");
+    // A command text without a line feed names the step whole.
+    doc.Commit(host.Make(3), 2010, true, false);
     EXPECT_EQ(doc.NewestStepName(), L"新規作成");
 }
 
@@ -130,16 +132,6 @@ TEST_F(EditorDocumentTest, TheSeventeenthStepDropsTheOldestAndSixteenUndosReachT
     EXPECT_EQ(FakeHost::Tag(host.shown), 1);  // not the loaded picture: that step was dropped
     EXPECT_FALSE(doc.Modified());
     EXPECT_FALSE(doc.Undo());
-}
-
-TEST_F(EditorDocumentTest, UndoBringsBackASelectionThatACropRemoved) {
-    doc.SetImage(host.Make(0, 100, 100));
-    host.selection = {10, 10, 50, 60};
-    doc.Commit(host.Make(1, 40, 50), 2072, false, false);
-    EXPECT_TRUE(host.selection.empty());
-    doc.Undo();
-    EXPECT_EQ(host.selection, (ViewRect{10, 10, 50, 60}));
-    EXPECT_EQ(host.sizePane, L"100 x 100");
 }
 
 TEST_F(EditorDocumentTest, AFailedUndoCopyRefusesTheCommitAndLosesNothing) {
