@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <memory>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
