@@ -140,12 +140,9 @@ TEST_F(SlideShowTest, CoversTheScreenAndShowsAPhotographWithItsDescription) {
     ASSERT_TRUE(show.WaitCaption(L"[1 / 1] tree.jpg\n\nTree at noon"));
     EXPECT_EQ(static_cast<DWORD>(GetWindowLongPtrW(show.frame(), GWL_STYLE)) & 0xFFFF0000u, 0x94000000u);
     EXPECT_EQ(static_cast<DWORD>(GetWindowLongPtrW(show.frame(), GWL_EXSTYLE)) & 0x88u, 0x88u);
-    RECT r{};
+    RECT r{}, screen{0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
     GetWindowRect(show.frame(), &r);
-    EXPECT_EQ(r.left, 0);
-    EXPECT_EQ(r.top, 0);
-    EXPECT_EQ(r.right, GetSystemMetrics(SM_CXSCREEN));
-    EXPECT_EQ(r.bottom, GetSystemMetrics(SM_CYSCREEN));
+    EXPECT_TRUE(EqualRect(&r, &screen));
     for (int id : {1002, 1003, 1004, 1005}) EXPECT_TRUE(IsWindowVisible(show.Child(id))) << id;
     EXPECT_EQ(show.StartButton(), kRunning);
 }
