@@ -42,8 +42,10 @@ TEST(SplitRun, PortraitsAndSquaresFollowTheQuestion) {
     WriteBitmapFile(dir / "tall.bmp", 30, 40);
     WriteBitmapFile(dir / "square.bmp", 40, 40);
     WriteBitmapFile(dir / "wide.bmp", 40, 30);
-    const auto no = [] { return std::optional(PortraitReply{kIdNo, false}); };
+    int asked = 0;
+    const auto no = [&] { return ++asked, std::optional(PortraitReply{kIdNo, false}); };
     EXPECT_EQ(Split(dir, {"tall.bmp", "square.bmp", "wide.bmp"}, no), std::vector<std::wstring>{L"wide.bmp"});
+    EXPECT_EQ(asked, 1) << "only the portrait is asked about";
     SplitRunResult result;
     EXPECT_TRUE(Split(dir, {"tall.bmp", "wide.bmp"}, [] { return std::nullopt; }, &result).empty());
     EXPECT_TRUE(result.stopped);
