@@ -14,6 +14,7 @@
 #include "ImageLoad.h"
 #include "ImageSave.h"
 #include "ModuleTest.h"
+#include "RecycleBin.h"
 #include "RegistryTestKey.h"
 #include "TestFiles.h"
 
@@ -84,20 +85,26 @@ std::vector<std::wstring> SplitAnswering(const std::vector<fs::path>& files, con
 
 TEST(SplitImageExport, PortraitsAreAskedAboutAndTheBoxAnswersTheRest) {
     ScratchDir dir("split-portrait");
-    for (const char* name : {"tall1.bmp", "tall2.bmp", "tall3.bmp"}) WritePicture(dir / name, 150, 200);
-    const auto texts = SplitAnswering({dir / "tall1.bmp", dir / "tall2.bmp", dir / "tall3.bmp"},
-                                      {{IDNO, false}, {IDYES, true}});
-    ASSERT_EQ(texts.size(), 2u) << "the box ticked with Yes asks no more";
-    EXPECT_NE(texts[0].find(L"tall1.bmp は縦長（150 x 200 pixel）のイメージです。"), std::wstring::npos) << texts[0];
-    EXPECT_NE(texts[0].find(L"以降も同様に処理する"), std::wstring::npos) << texts[0];
-    EXPECT_FALSE(fs::exists(dir / "tall1-1.jpg"));
-    for (const char* stem : {"tall2", "tall3"}) {
-        EXPECT_EQ(JpegWidth(dir / (std::string(stem) + "-1.jpg")), 75) << stem;
-        EXPECT_FALSE(fs::exists(dir / (std::string(stem) + ".bmp"))) << stem;
+    const std::string unique = std::to_string(GetCurrentProcessId());
+    std::vector<fs::path> talls;
+    for (const char* stem : {"tall1-", "tall2-", "tall3-"}) {
+        talls.push_back(dir / (stem + unique + ".bmp"));
+        WritePicture(talls.back(), 150, 200);
     }
-    EXPECT_EQ(SplitAnswering({dir / "tall1.bmp"}, {{IDCANCEL, false}}).size(), 1u);
-    EXPECT_TRUE(fs::exists(dir / "tall1.bmp"));
-    EXPECT_FALSE(fs::exists(dir / "tall1-1.jpg"));
+    const auto texts = SplitAnswering(talls, {{IDNO, false}, {IDYES, true}});
+    ASSERT_EQ(texts.size(), 2u) << "the box ticked with Yes asks no more";
+    const std::wstring asked = talls[0].filename().wstring() + L" は縦長（150 x 200 pixel）のイメージです。";
+    EXPECT_NE(texts[0].find(asked), std::wstring::npos) << texts[0];
+    EXPECT_NE(texts[0].find(L"以降も同様に処理する"), std::wstring::npos) << texts[0];
+    for (size_t i = 0; i < talls.size(); ++i) {
+        const fs::path right = fs::path(talls[i]).replace_extension().wstring() + L"-1.jpg";
+        EXPECT_EQ(JpegWidth(right), i == 0 ? 0 : 75) << right;
+        EXPECT_EQ(fs::exists(talls[i]), i == 0) << talls[i];
+        if (i > 0) EXPECT_TRUE(lxtest::RecycleBinHolds(talls[i].filename().wstring())) << talls[i];
+    }
+    EXPECT_EQ(SplitAnswering({talls[0]}, {{IDCANCEL, false}}).size(), 1u);
+    EXPECT_TRUE(fs::exists(talls[0]));
+    EXPECT_EQ(JpegWidth(fs::path(talls[0]).replace_extension().wstring() + L"-1.jpg"), 0);
 }
 
 TEST(ContrastResizeExport, AReadOnlySourceStaysAndTheResultGoesBesideIt) {
@@ -160,10 +167,13 @@ TEST(PickoutThumbnailExport, WritesTheChosenThumbnailIntoTheChosenFolder) {
         EXPECT_EQ(lxtest::ReadFile(out / run.written).size(), run.bytes) << run.written;
     }
     EXPECT_EQ(SavedPickoutPath(), out.wstring());
+    // Run again: the file is there, so nothing is written over it.
+    lxtest::WriteFile(out / "IMG_0001.thm(L).jpg", std::string("kept"));
     PickoutAnswer again{out.wstring(), true};
     lxtest::DialogDriver driver(kPickoutTitle, [&](HWND dialog) { AnswerPickout(dialog, again); });
     CallWithRequest("RunPickoutThumbnailW", {raw}, L"");
     EXPECT_EQ(again.shownFolder, out.wstring()) << "without a host folder the saved one is offered";
+    EXPECT_EQ(lxtest::ReadFile(out / "IMG_0001.thm(L).jpg").size(), 4u);
 }
 
 TEST(PickoutThumbnailExport, AFolderFieldNamingAFileIsRefused) {
