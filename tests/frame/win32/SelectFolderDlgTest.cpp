@@ -130,18 +130,9 @@ TEST_F(SelectFolderDlgTest, UnreachableNamesAreReportedAndTheDialogStays) {
         // An invalid name (error 123) is reported in a message box owned by the dialog.
         std::thread closer([&] {
             reported = WaitFor([&] {
-                std::pair<HWND, HWND> box = {dialog, nullptr};
-                EnumThreadWindows(
-                    GetWindowThreadProcessId(dialog, nullptr),
-                    [](HWND window, LPARAM found) -> BOOL {
-                        auto* box = reinterpret_cast<std::pair<HWND, HWND>*>(found);
-                        if (IsWindowVisible(window) && GetWindow(window, GW_OWNER) == box->first) box->second = window;
-                        return TRUE;
-                    },
-                    reinterpret_cast<LPARAM>(&box));
-                if (!box.second) return false;
-                PostMessageW(box.second, WM_COMMAND, IDOK, 0);
-                return true;
+                HWND box = FindWindowExW(nullptr, nullptr, L"#32770", kCaption);
+                if (box == dialog) box = FindWindowExW(nullptr, dialog, L"#32770", kCaption);
+                return box && GetWindow(box, GW_OWNER) == dialog && PostMessageW(box, WM_COMMAND, IDOK, 0);
             });
         });
         TypedAndOk(dialog, WindowsPath(folder_) + L"\\bad<name>");
