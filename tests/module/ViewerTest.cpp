@@ -167,12 +167,20 @@ TEST_F(ViewerTest, OpensTheFileAndListsItsFolderInLogicalOrder) {
     EXPECT_EQ(viewer.StatusText(4), L"64 x 48");
     EXPECT_EQ(viewer.StatusText(5), L"24bpp");
     EXPECT_EQ(viewer.Zoom(), 1000);  // small picture: original size
-    // The pointer's place: only over the picture, and gone with the picture.
+    // The pointer's place: only over the picture, and gone with the picture. The real pointer
+    // goes there too: a window of another test appearing under it makes the system send the
+    // view a move to wherever it really is.
     RECT view{};
     GetClientRect(viewer.View(), &view);
-    SendMessageW(viewer.View(), WM_MOUSEMOVE, 0, MAKELPARAM(2, 2));
+    auto pointAt = [&](int x, int y) {
+        POINT screen{x, y};
+        ClientToScreen(viewer.View(), &screen);
+        SetCursorPos(screen.x, screen.y);
+        SendMessageW(viewer.View(), WM_MOUSEMOVE, 0, MAKELPARAM(x, y));
+    };
+    pointAt(2, 2);
     EXPECT_EQ(viewer.StatusText(1), L"");
-    SendMessageW(viewer.View(), WM_MOUSEMOVE, 0, MAKELPARAM(view.right / 2, view.bottom / 2));
+    pointAt(view.right / 2, view.bottom / 2);
     EXPECT_NE(viewer.StatusText(1), L"");
     viewer.Command(2015);
     EXPECT_TRUE(viewer.WaitTitle(L"a10.bmp"));
