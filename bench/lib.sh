@@ -2,6 +2,7 @@
 #   bench_photo DIR         DIR/photo.jpg, a 4000 x 3000 photograph-like picture, and DIR/photo.ppm
 #   best_time OUTDIR CMD... the shortest wall-clock seconds of $runs runs, OUTDIR emptied first
 #   winpath PATH            PATH as Wine names it (Z: drive)
+#   bench_lxhost            sets $lxhost: $LXHOST when given, else lxhost.exe built from this tree
 
 bench_photo() {
     if [ ! -s "$1/photo.jpg" ]; then
@@ -29,3 +30,12 @@ best_time() {
 }
 
 winpath() { echo "Z:$1" | tr / '\\'; }
+
+bench_lxhost() {
+    lxhost=${LXHOST:-}
+    if [ -z "$lxhost" ]; then
+        cmake --preset windows >/dev/null
+        cmake --build build/windows --target lxhost -j2 >/dev/null
+        lxhost=$root/build/windows/tools/lxhost/lxhost.exe
+    fi
+}

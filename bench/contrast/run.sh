@@ -15,12 +15,7 @@ work=$root/build/bench-contrast
 mkdir -p "$work"
 cd "$root"
 source bench/lib.sh
-lxhost=${LXHOST:-}
-if [ -z "$lxhost" ]; then
-    cmake --preset windows >/dev/null
-    cmake --build build/windows --target lxhost -j2 >/dev/null
-    lxhost=$root/build/windows/tools/lxhost/lxhost.exe
-fi
+bench_lxhost
 /usr/bin/python3 -c "import PIL" 2>/dev/null || { echo "Pillow is missing (python3-pil)"; exit 1; }
 
 # One scanned page (text-like lines on grey paper), linked under every input name.

@@ -20,12 +20,7 @@ source bench/lib.sh
 cmake --preset native-release >/dev/null
 cmake --build build/native-release --target convert_bench -j2 >/dev/null
 bench=$root/build/native-release/bench/convert/convert_bench
-lxhost=${LXHOST:-}
-if [ -z "$lxhost" ]; then
-    cmake --preset windows >/dev/null
-    cmake --build build/windows --target lxhost -j2 >/dev/null
-    lxhost=$root/build/windows/tools/lxhost/lxhost.exe
-fi
+bench_lxhost
 
 # One photograph-like picture, linked under every input name: all tools read the same cached
 # bytes, so the figures compare conversion work, not the disk.

@@ -14,12 +14,7 @@ work=$root/build/bench-pickout
 mkdir -p "$work"
 cd "$root"
 source bench/lib.sh
-lxhost=${LXHOST:-}
-if [ -z "$lxhost" ]; then
-    cmake --preset windows >/dev/null
-    cmake --build build/windows --target lxhost -j2 >/dev/null
-    lxhost=$root/build/windows/tools/lxhost/lxhost.exe
-fi
+bench_lxhost
 
 if [ ! -s "$work/raw.CR2" ]; then
     convert -size 750x500 -seed 5 plasma:fractal -resize 3000x2000 -quality 90 -strip "$work/preview.jpg"

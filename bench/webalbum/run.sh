@@ -17,12 +17,7 @@ work=$root/build/bench-webalbum
 mkdir -p "$work"
 cd "$root"
 source bench/lib.sh
-lxhost=${LXHOST:-}
-if [ -z "$lxhost" ]; then
-    cmake --preset windows >/dev/null
-    cmake --build build/windows --target lxhost -j2 >/dev/null
-    lxhost=$root/build/windows/tools/lxhost/lxhost.exe
-fi
+bench_lxhost
 
 bench_photo "$work"
 if [ ! -s "$work/camera.jpg" ]; then
