@@ -69,7 +69,7 @@ std::vector<std::wstring> SplitAnswering(const std::vector<fs::path>& files, con
     {
         lxtest::DialogDriver driver(kSplitTitle, [&](HWND dialog) {
             for (const Answer& answer : script) {
-                if (!texts.empty() && !WaitFor([&] { return (dialog = FindWindowW(L"#32770", kSplitTitle)); }, 10000))
+                if (!texts.empty() && !WaitFor([&] { return (dialog = FindWindowW(L"#32770", kSplitTitle)) && IsWindowVisible(dialog); }, 10000))
                     return;
                 Sleep(100);
                 texts.push_back(lxtest::AllChildTexts(dialog));

@@ -18,6 +18,7 @@
 #include "../lib/nccore/win32/DialogDriver.h"
 #include "DropBlock.h"
 #include "ImageCodecs.h"
+#include "FrameOnThread.h"
 #include "ModuleTest.h"
 #include "TestFiles.h"
 
@@ -29,19 +30,13 @@ using lxtest::WaitFor;
 namespace {
 
 constexpr wchar_t kFrameClass[] = L"LXPHOTOEDIT_FRAME";
-constexpr int kZoomViewId = 21, kStatusId = 59393, kToolBarId = 0xE803;
+constexpr int kZoomViewId = 21;
 constexpr UINT kGetSelection = 1705, kSetSelection = 1704, kGetImage = 1711, kSetZoom = 1716;
 const std::wstring kCaption = L"フォト イメージ";
 const std::wstring kEditorCaption = L"フォト レタッチ";
 const wchar_t kSettingsRoot[] = L"Software\\Northcape\\Applets\\lxpicture";
 const wchar_t kSettingsKey[] = L"Software\\Northcape\\Applets\\lxpicture\\MainEditor";
 const wchar_t kRecentKey[] = L"Software\\Northcape\\Applets\\lxpicture\\Recent Document List";
-
-HWND FindChild(HWND parent, int id) {
-    for (HWND child : lxtest::Descendants(parent))
-        if (GetDlgCtrlID(child) == id) return child;
-    return nullptr;
-}
 
 // A bitmap file whose every pixel has the value `grey` (an index for palette depths).
 void WriteBitmap(const std::filesystem::path& path, int width, int height, int depth = 24, int grey = 128) {
@@ -52,51 +47,20 @@ void WriteBitmap(const std::filesystem::path& path, int width, int height, int d
 
 // One editor started through pxfRunW with `line`; closed (if still open) at the end, saying
 // No to a question about unsaved changes.
-class Editor {
+class Editor : public lxtest::FrameOnThread {
 public:
-    explicit Editor(std::wstring line) {
-        auto entry = lxtest::Entry<lxtest::WideEntry>("pxfRunW");
-        thread_ = std::thread([this, entry, line]() mutable {
-            threadId_ = GetCurrentThreadId();
-            entry(nullptr, Dll(), line.data(), SW_SHOWNORMAL);
-            ended_ = true;
-        });
-        WaitFor([&] { return (frame_ = FrameOfThread()) != nullptr; });
-    }
+    explicit Editor(std::wstring line) : FrameOnThread("pxfRunW", kFrameClass, std::move(line)) {}
     explicit Editor(const std::filesystem::path& path) : Editor(L"\"" + path.wstring() + L"\"") {}
-    ~Editor() {
-        if (!ended_ && frame_) {
-            PostMessageW(frame_, WM_CLOSE, 0, 0);
-            if (!WaitFor([&] { return ended_.load(); }, 3000)) Answer(IDNO);
-        }
-        thread_.join();
-    }
 
-    HWND frame() const { return frame_; }
-    bool ended() const { return ended_; }
-    bool WaitEnded(int ms = 20000) { return WaitFor([&] { return ended_.load(); }, ms); }
-    std::wstring Title() const { return lxtest::WindowText(frame_); }
     bool HasImage() const { return SendMessageW(View(), kGetImage, 0, 0) != 0; }
-
-    // A command carried out before this returns; one that opens a dialog goes by Command.
-    void CommandNow(UINT id) { SendMessageW(frame_, WM_COMMAND, id, 0); }
-    void Command(UINT id) { PostMessageW(frame_, WM_COMMAND, id, 0); }
     // Lets the frame's idle pass run (the zoom pane and the command states follow it).
     void Idle() {
-        PostMessageW(frame_, WM_NULL, 0, 0);
-        SendMessageW(frame_, WM_NULL, 0, 0);
+        PostMessageW(frame(), WM_NULL, 0, 0);
+        SendMessageW(frame(), WM_NULL, 0, 0);
         Sleep(50);
     }
 
-    HWND View() const { return FindChild(frame_, kZoomViewId); }
-    std::wstring StatusText(int index) const {
-        wchar_t text[200] = {};
-        SendMessageW(FindChild(frame_, kStatusId), SB_GETTEXTW, index, reinterpret_cast<LPARAM>(text));
-        return text;
-    }
-    bool ToolEnabled(UINT id) const {
-        return SendMessageW(FindChild(frame_, kToolBarId), TB_ISBUTTONENABLED, id, 0) != 0;
-    }
+    HWND View() const { return Child(kZoomViewId); }
     RECT Selection() const {
         RECT r{};
         SendMessageW(View(), kGetSelection, 0, reinterpret_cast<LPARAM>(&r));
@@ -104,15 +68,6 @@ public:
     }
     void Select(RECT r) { SendMessageW(View(), kSetSelection, 0, reinterpret_cast<LPARAM>(&r)); }
 
-    // The message box the frame shows: its text, answered with `button`; empty when none came.
-    std::wstring Answer(int button) {
-        HWND box = nullptr;
-        if (!WaitFor([&] { return (box = OwnedDialog()) != nullptr; }, 10000)) return L"";
-        const std::wstring text = lxtest::AllChildTexts(box);
-        PostMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(box, button)));
-        WaitFor([&] { return !IsWindow(box); }, 10000);
-        return text;
-    }
     // The save dialog, given `path` and confirmed with its first type (JPEG). The name box is
     // an edit control (1152) or the edit inside a combo box (1148).
     bool SaveDialog(const std::filesystem::path& path) {
@@ -134,26 +89,6 @@ public:
         Sleep(ms);
         return OwnedDialog() == nullptr;
     }
-
-private:
-    HWND FrameOfThread() const {
-        HWND found = nullptr;
-        for (HWND w = FindWindowExW(nullptr, nullptr, kFrameClass, nullptr); w;
-             w = FindWindowExW(nullptr, w, kFrameClass, nullptr))
-            if (GetWindowThreadProcessId(w, nullptr) == threadId_) found = w;
-        return found;
-    }
-    HWND OwnedDialog() const {
-        HWND found = nullptr;
-        for (HWND w = FindWindowExW(nullptr, nullptr, L"#32770", nullptr); w; w = FindWindowExW(nullptr, w, L"#32770", nullptr))
-            if (GetWindow(w, GW_OWNER) == frame_ && IsWindowVisible(w)) found = w;
-        return found;
-    }
-
-    std::thread thread_;
-    std::atomic<DWORD> threadId_{0};
-    std::atomic<bool> ended_{false};
-    HWND frame_ = nullptr;
 };
 
 std::vector<uint8_t> Bytes(const std::filesystem::path& path) { return lxtest::ReadFile(path); }
@@ -377,7 +312,10 @@ TEST_F(EditorTest, ANewImageTooLargeToEditIsRefusedWithAMessage) {
     for (const auto& [side, made] : {std::pair{30000, false}, {300, true}}) {
         editor.Command(2010);
         HWND dialog = nullptr;
-        ASSERT_TRUE(WaitFor([&] { return (dialog = FindWindowW(L"#32770", L"新規作成")) != nullptr; }));
+        // Visible: the dialog has set its own values by then and does not overwrite ours.
+        ASSERT_TRUE(WaitFor([&] {
+            return (dialog = FindWindowW(L"#32770", L"新規作成")) != nullptr && IsWindowVisible(dialog);
+        }));
         SetDlgItemInt(dialog, 1211, side, FALSE);
         SetDlgItemInt(dialog, 1212, side, FALSE);
         SendMessageW(GetDlgItem(dialog, IDOK), BM_CLICK, 0, 0);
@@ -428,7 +366,8 @@ TEST_F(EditorTest, OpeningOverChangesAsksAndCancelKeepsTheDocument) {
     DropFile(editor.frame(), dir_ / "b.bmp");
     editor.Answer(IDNO);
     EXPECT_TRUE(WaitFor([&] { return editor.Title() == L"b.bmp - " + kCaption; }));
-    EXPECT_FALSE(editor.ToolEnabled(2008));
+    // The tool bar follows on the frame's next idle pass.
+    EXPECT_TRUE(WaitFor([&] { return !editor.ToolEnabled(2008); }));
 }
 
 // Alt+Left and Alt+Right step through the folder's pictures in the shell's order of names.
@@ -475,7 +414,9 @@ TEST_F(EditorTest, SetupChangesTheZoomRuleAndKeepsItInTheDisplayStatus) {
         EXPECT_LT(SendMessageW(editor.View(), 1698, 0, 0), 1000);  // default rule: larger pictures fit
         editor.Command(2110);
         HWND setup = nullptr;
-        ASSERT_TRUE(WaitFor([&] { return (setup = FindWindowW(L"#32770", L"動作環境の設定")) != nullptr; }));
+        ASSERT_TRUE(WaitFor([&] {
+            return (setup = FindWindowW(L"#32770", L"動作環境の設定")) != nullptr && IsWindowVisible(setup);
+        }));
         SendMessageW(GetDlgItem(setup, 1201), BM_CLICK, 0, 0);  // original size
         SendMessageW(GetDlgItem(setup, IDOK), BM_CLICK, 0, 0);
         ASSERT_TRUE(WaitFor([&] { return !IsWindow(setup); }));

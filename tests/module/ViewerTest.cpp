@@ -15,6 +15,7 @@
 
 #include "../lib/nccore/win32/DialogDriver.h"
 #include "ImageCodecs.h"
+#include "FrameOnThread.h"
 #include "ModuleTest.h"
 #include "TestFiles.h"
 #include "ThreadTestHelpers.h"
@@ -27,16 +28,11 @@ using lxtest::WaitFor;
 namespace {
 
 constexpr wchar_t kFrameClass[] = L"LXIMAGEVIEW_FRAME";
-constexpr int kZoomViewId = 21, kListId = 23, kInformationId = 6, kStatusId = 59393, kToolBarId = 0xE803;
+constexpr int kZoomViewId = 21, kListId = 23, kInformationId = 6, kStatusId = 59393;
 constexpr UINT kGetZoom = 1698;
 const std::wstring kCaption = L"フォト イメージ";
 const wchar_t kSettingsKey[] = L"Software\\Northcape\\Applets\\lxpicture\\MainViewer";
 
-HWND FindChild(HWND parent, int id) {
-    for (HWND child : lxtest::Descendants(parent))
-        if (GetDlgCtrlID(child) == id) return child;
-    return nullptr;
-}
 
 // 24-bit bitmap files of a given size, each a different grey.
 void WriteBitmap(const std::filesystem::path& path, int width, int height, int grey = 128) {
@@ -46,54 +42,27 @@ void WriteBitmap(const std::filesystem::path& path, int width, int height, int g
 }
 
 // One viewer started through imgRunW with `path`; closed (if still open) at the end.
-class Viewer {
+class Viewer : public lxtest::FrameOnThread {
 public:
     // `eightBit`: the line as rundll32 hands it to "imgRunW" named in full (eight-bit text).
-    explicit Viewer(const std::filesystem::path& path, bool eightBit = false) {
-        auto entry = lxtest::Entry<lxtest::WideEntry>("imgRunW");
-        std::wstring line = L"\"" + path.wstring() + L"\"";
-        std::string narrow = path.string();
-        thread_ = std::thread([this, entry, line, narrow, eightBit]() mutable {
-            threadId_ = GetCurrentThreadId();
-            entry(nullptr, Dll(), eightBit ? reinterpret_cast<LPWSTR>(narrow.data()) : line.data(), SW_SHOWNORMAL);
-            ended_ = true;
-        });
-        WaitFor([&] { return (frame_ = FrameOfThread()) != nullptr; });
-    }
-    ~Viewer() {
-        if (!ended_ && frame_) PostMessageW(frame_, WM_CLOSE, 0, 0);
-        thread_.join();
-    }
+    explicit Viewer(const std::filesystem::path& path, bool eightBit = false)
+        : FrameOnThread("imgRunW", kFrameClass, L"\"" + path.wstring() + L"\"",
+                        eightBit ? path.string() : std::string()) {}
 
-    HWND frame() const { return frame_; }
-    bool ended() const { return ended_; }
-    bool WaitEnded(int ms = 20000) { return WaitFor([&] { return ended_.load(); }, ms); }
-
-    std::wstring Title() const { return lxtest::WindowText(frame_); }
     bool WaitTitle(const std::wstring& fileName, int ms = 20000) {
         return WaitFor([&] { return Title() == fileName + L" - " + kCaption; }, ms);
     }
-    void Command(UINT id) { PostMessageW(frame_, WM_COMMAND, id, 0); }
-    // A command that opens no dialog, carried out before this returns.
-    void CommandNow(UINT id) { SendMessageW(frame_, WM_COMMAND, id, 0); }
-
-    HWND List() const { return FindChild(frame_, kListId); }
-    HWND View() const { return FindChild(frame_, kZoomViewId); }
+    HWND List() const { return Child(kListId); }
+    HWND View() const { return Child(kZoomViewId); }
     int ListCount() const { return static_cast<int>(SendMessageW(List(), LVM_GETITEMCOUNT, 0, 0)); }
     int Selected() const { return static_cast<int>(SendMessageW(List(), LVM_GETNEXTITEM, -1, LVNI_SELECTED)); }
     int Zoom() const { return static_cast<int>(SendMessageW(View(), kGetZoom, 0, 0)); }
-    std::wstring StatusText(int index) const {
-        wchar_t text[200] = {};
-        SendMessageW(FindChild(frame_, kStatusId), SB_GETTEXTW, index, reinterpret_cast<LPARAM>(text));
-        return text;
-    }
-    HWND ToolBar() const { return FindChild(frame_, kToolBarId); }
-    bool ToolEnabled(UINT id) const { return SendMessageW(ToolBar(), TB_ISBUTTONENABLED, id, 0) != 0; }
+    HWND ToolBar() const { return Child(kToolBarId); }
     // Keys as the user presses them: a chord's keys go down and then up in the same order (a
     // quick hand lets go of Alt first); a character goes in as typed text, whatever the
     // keyboard layout.
     void Press(std::vector<WORD> chord, wchar_t character = 0) {
-        SetForegroundWindow(frame_);
+        SetForegroundWindow(frame());
         std::vector<INPUT> inputs;
         auto add = [&](WORD key, WORD scan, DWORD flags) {
             INPUT input{INPUT_KEYBOARD};
@@ -115,33 +84,6 @@ public:
         return r;
     }
 
-    // The question box the frame shows, answered with `button`; false when none appeared.
-    bool Answer(int button) {
-        HWND box = nullptr;
-        if (!WaitFor([&] { return (box = OwnedDialog()) != nullptr; }, 10000)) return false;
-        PostMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(box, button)));
-        return WaitFor([&] { return !IsWindow(box); }, 10000);
-    }
-
-private:
-    HWND FrameOfThread() const {
-        HWND found = nullptr;
-        for (HWND w = FindWindowExW(nullptr, nullptr, kFrameClass, nullptr); w;
-             w = FindWindowExW(nullptr, w, kFrameClass, nullptr))
-            if (GetWindowThreadProcessId(w, nullptr) == threadId_) found = w;
-        return found;
-    }
-    HWND OwnedDialog() const {
-        HWND found = nullptr;
-        for (HWND w = FindWindowExW(nullptr, nullptr, L"#32770", nullptr); w; w = FindWindowExW(nullptr, w, L"#32770", nullptr))
-            if (GetWindow(w, GW_OWNER) == frame_ && IsWindowVisible(w)) found = w;
-        return found;
-    }
-
-    std::thread thread_;
-    std::atomic<DWORD> threadId_{0};
-    std::atomic<bool> ended_{false};
-    HWND frame_ = nullptr;
 };
 
 class ViewerTest : public ::testing::Test {
@@ -191,7 +133,7 @@ TEST_F(ViewerTest, OpensTheFileAndListsItsFolderInLogicalOrder) {
     EXPECT_TRUE(viewer.WaitTitle(L"a10.bmp"));  // and back over the start to the last
     // The information pane reports the file, every name and value whole, and its default
     // width shows a name beside a date.
-    HWND info = FindChild(viewer.frame(), kInformationId);
+    HWND info = viewer.Child(kInformationId);
     ASSERT_TRUE(info);
     ASSERT_TRUE(WaitFor([&] { return ListView_GetItemCount(info) >= 4; }));
     for (int row = 0; row < ListView_GetItemCount(info); ++row)
@@ -213,19 +155,19 @@ TEST_F(ViewerTest, DeleteMovesForwardExceptAtTheEndAndTheLastFileClosesTheViewer
     ASSERT_TRUE(viewer.WaitTitle(L"p3.bmp"));
     ASSERT_TRUE(WaitFor([&] { return viewer.ListCount() == 4; }));
     viewer.Command(2009);
-    ASSERT_TRUE(viewer.Answer(IDYES));
+    ASSERT_FALSE(viewer.Answer(IDYES).empty());
     EXPECT_TRUE(viewer.WaitTitle(L"p2.bmp"));  // the last went: the one before it
     EXPECT_EQ(viewer.ListCount(), 3);
     EXPECT_FALSE(std::filesystem::exists(dir_ / "p3.bmp"));
     viewer.Command(2014);
     ASSERT_TRUE(viewer.WaitTitle(L"p1.bmp"));
     viewer.Command(2009);
-    ASSERT_TRUE(viewer.Answer(IDYES));
+    ASSERT_FALSE(viewer.Answer(IDYES).empty());
     EXPECT_TRUE(viewer.WaitTitle(L"p2.bmp"));  // another went: the one that moved into its place
     EXPECT_EQ(viewer.ListCount(), 2);
     EXPECT_EQ(viewer.Selected(), 1);
     viewer.Command(2009);
-    ASSERT_TRUE(viewer.Answer(IDYES));
+    ASSERT_FALSE(viewer.Answer(IDYES).empty());
     ASSERT_TRUE(viewer.WaitTitle(L"p0.bmp"));
     EXPECT_EQ(viewer.ListCount(), 1);
     // One file left: nowhere to step.
@@ -235,11 +177,11 @@ TEST_F(ViewerTest, DeleteMovesForwardExceptAtTheEndAndTheLastFileClosesTheViewer
     EXPECT_EQ(viewer.Title(), L"p0.bmp - " + kCaption);
     // "No" keeps the file and the viewer; "Yes" deletes it and closes the viewer.
     viewer.Command(2009);
-    ASSERT_TRUE(viewer.Answer(IDNO));
+    ASSERT_FALSE(viewer.Answer(IDNO).empty());
     EXPECT_TRUE(std::filesystem::exists(dir_ / "p0.bmp"));
     EXPECT_FALSE(viewer.ended());
     viewer.Command(2009);
-    ASSERT_TRUE(viewer.Answer(IDYES));
+    ASSERT_FALSE(viewer.Answer(IDYES).empty());
     EXPECT_TRUE(viewer.WaitEnded());
     EXPECT_FALSE(std::filesystem::exists(dir_ / "p0.bmp"));
 }
@@ -303,13 +245,13 @@ TEST_F(ViewerTest, TheListKeepsItsSizeThroughPlacementAndPaneChangesAndCloseStor
         if (length == 24) {
             EXPECT_GE(list().top, view().bottom);  // the record: the list below
             EXPECT_NEAR(height(list()), 120, 2);
-            EXPECT_FALSE(IsWindowVisible(FindChild(viewer.frame(), kInformationId)));
+            EXPECT_FALSE(IsWindowVisible(viewer.Child(kInformationId)));
             viewer.CommandNow(2106);  // back to the right
             EXPECT_GE(list().left, view().right);
             break;
         }
         EXPECT_GE(list().left, view().right);  // defaults: the list at the right
-        EXPECT_TRUE(IsWindowVisible(FindChild(viewer.frame(), kInformationId)));
+        EXPECT_TRUE(IsWindowVisible(viewer.Child(kInformationId)));
         const int atRight = width(list());
         EXPECT_LT(atRight, 200);
         viewer.CommandNow(2106);  // below: one row of cells; the picture keeps the rest
@@ -445,7 +387,7 @@ TEST_F(ViewerTest, StatusBarHelpsWithMenusAndButtonsAndTellsOfAFolderInFull) {
     ASSERT_TRUE(viewer.frame());
     const std::wstring none = L"閲覧可能な画像ファイルがありません。";
     ASSERT_TRUE(WaitFor([&] { return viewer.StatusText(0) == none; }));
-    HWND status = FindChild(viewer.frame(), kStatusId);
+    HWND status = viewer.Child(kStatusId);
     RECT pane{};
     SendMessageW(status, SB_GETRECT, 0, reinterpret_cast<LPARAM>(&pane));
     HDC dc = GetDC(status);
