@@ -68,8 +68,4 @@ int RunFrameTool(const std::wstring& commandLine, int showCmd, FrameMode mode, c
 // then asked for its window, which it declines when it found nothing to show.
 int RunSlideShowTool(const std::wstring& path, int showCmd, FrameFactory slide);
 
-// A plain top-level window of `className`, captioned with string `captionId`: it stands in for
-// the frame of a tool not built yet, so the runner's loop and lifetime are real.
-std::unique_ptr<TopFrame> MakePlaceholderFrame(const wchar_t* className, UINT captionId);
-
 }  // namespace lx
