@@ -12,6 +12,7 @@
 #include "SettingsStore.h"
 #include "ShellServices.h"
 #include "StatusTexts.h"
+#include "ToolFrameWindow.h"
 #include "ZoomView.h"
 
 namespace lx {
@@ -83,21 +84,8 @@ CMainFrame::~CMainFrame() {
 }
 
 HWND CMainFrame::Create(int showCmd) {
-    if (!RegisterZoomViewClass() ||
-        !RegisterWindowClass(kClassName, nullptr, CS_DBLCLKS, LoadCursorW(nullptr, IDC_ARROW),
-                             reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1)))
-        return nullptr;
-    const std::wstring title = LoadResString(kFrameResource);
-    if (!Window::Create(kClassName, title.c_str(), 0x06CF0000, 0x00040100, CW_USEDEFAULT, CW_USEDEFAULT,
-                        CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr))
-        return nullptr;
-    accelerators_ = LoadAcceleratorsW(ModuleInstance(), MAKEINTRESOURCEW(kFrameResource));
+    if (!CreateToolFrameWindow(*this, kClassName, kFrameResource, commandBar_, accelerators_)) return nullptr;
     if (MessageLoop* loop = CurrentMessageLoop()) {
-        loop->AddFilter([this](MSG& msg) { return hwnd() && commandBar_.PreTranslate(msg); });
-        loop->AddFilter([this](MSG& msg) {
-            return hwnd() && accelerators_ && (msg.hwnd == hwnd() || IsChild(hwnd(), msg.hwnd)) &&
-                   TranslateAcceleratorW(hwnd(), accelerators_, &msg);
-        });
         loop->AddIdleHandler([this] {
             if (!hwnd()) return;
             UpdateCommandStates();
