@@ -3,6 +3,11 @@
 #   best_time OUTDIR CMD... the shortest wall-clock seconds of $runs runs, OUTDIR emptied first
 #   winpath PATH            PATH as Wine names it (Z: drive)
 #   bench_lxhost            sets $lxhost: $LXHOST when given, else lxhost.exe built from this tree
+#   $im_convert             ImageMagick's convert by its installed path: a `convert` found earlier on PATH may be
+#                           a wrapper whose own start-up would be timed with it
+
+im_convert=/usr/bin/convert
+[ -x "$im_convert" ] || { echo "ImageMagick is missing ($im_convert)" >&2; exit 1; }
 
 bench_photo() {
     if [ ! -s "$1/photo.jpg" ]; then

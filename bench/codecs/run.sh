@@ -6,6 +6,7 @@
 #   bench/codecs/run.sh [runs]
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
+. "$root/bench/lib.sh"
 runs=${1:-3}
 work=$root/build/bench-codecs
 mkdir -p "$work"
@@ -41,7 +42,7 @@ printf "%-8s %-7s %10s %10s %8s %12s %12s %8s\n" what format magick_s ours_s spe
 for ext in bmp png gif tif tga pcx ras sgi; do
     prefix=""
     [ "$ext" = sgi ] && prefix="SGI:"
-    tm=$(best_time convert "$photo" "$prefix$work/magick.$ext")
+    tm=$(best_time "$im_convert" "$photo" "$prefix$work/magick.$ext")
     to=$(best_time "$bench" encode "$photo" "$work/ours.$ext")
     sm=$(stat -c %s "$work/magick.$ext")
     so=$(stat -c %s "$work/ours.$ext")
@@ -54,7 +55,7 @@ convert "$photo" "$work/magick.psd"
 for file in magick.bmp magick.tga magick-rle.tga magick.pcx magick.ras magick.sgi magick.psd; do
     prefix=""
     case $file in *.sgi) prefix="SGI:" ;; esac
-    tm=$(best_time convert "$prefix$work/$file" "$work/decoded-magick.ppm")
+    tm=$(best_time "$im_convert" "$prefix$work/$file" "$work/decoded-magick.ppm")
     to=$(best_time "$bench" decode "$work/$file" "$work/decoded-ours.ppm")
     printf "%-8s %-7s %10.3f %10.3f %8.2f\n" decode "${file#magick}" "$tm" "$to" "$(echo "$tm / $to" | bc -l)"
 done

@@ -8,6 +8,7 @@
 #   bench/ncmif/run.sh [runs]
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
+. "$root/bench/lib.sh"
 runs=${1:-3}
 work=$root/build/bench-ncmif
 mkdir -p "$work"
@@ -72,14 +73,14 @@ EOT
 printf "%-9s %-6s %7s %7s %7s %7s %6s %6s %8s %8s %6s %6s %7s %7s\n" op tool tool_s ours_s tool_cpu our_cpu op_s op_cpu tool_MPs ours_MPs ratio cpu_rt tool_MB ours_MB
 row resize 24 "$bench resize $photo $work/ours.ppm" \
     vips "vips resize $photo $work/vips.ppm 0.16667" \
-    magick "convert $photo -filter Lanczos -resize 1000x667! $work/im.ppm"
+    magick "$im_convert $photo -filter Lanczos -resize 1000x667! $work/im.ppm"
 row quantize 12 "$bench quantize $photo12 $work/ours.ppm" \
-    magick "convert $photo12 -dither FloydSteinberg -colors 256 $work/im.ppm"
+    magick "$im_convert $photo12 -dither FloydSteinberg -colors 256 $work/im.ppm"
 row blur 12 "$bench blur $photo12 $work/ours.ppm" \
     vips "vips gaussblur $photo12 $work/vips.ppm 5" \
-    magick "convert $photo12 -blur 0x5 $work/im.ppm"
+    magick "$im_convert $photo12 -blur 0x5 $work/im.ppm"
 row multiply 24 "$bench multiply $photo $work/ours.ppm $layer" \
     vips "vips composite2 $photo $layer $work/vips.ppm multiply" \
-    magick "convert $photo $layer -compose multiply -composite $work/im.ppm"
+    magick "$im_convert $photo $layer -compose multiply -composite $work/im.ppm"
 echo "reproduce: bench/ncmif/run.sh $runs   (MP/s: input megapixels per wall second; ratio = tool_s / ours_s,"
 echo "cpu_rt = tool_cpu / our_cpu; above 1 we are faster; load average now: $(cut -d' ' -f1-3 /proc/loadavg))"
