@@ -1,7 +1,5 @@
 #include "AlbumPageText.h"
 
-#include <algorithm>
-
 namespace lx {
 
 namespace {
@@ -14,6 +12,18 @@ std::wstring HexByte(uint32_t value) {
 }
 
 std::wstring SheetLink(int sheetIndex) { return L"<a href=\"" + SheetFileName(sheetIndex) + L"\">"; }
+
+// A file name inside src or href: a browser would take "#" as the start of a fragment and
+// "%41" as an escaped "A", so both signs are escaped; everything else stands as it is.
+std::wstring UrlText(const std::wstring& path) {
+    std::wstring url;
+    for (wchar_t c : path) {
+        if (c == L'%') url += L"%25";
+        else if (c == L'#') url += L"%23";
+        else url += c == L'\\' ? L'/' : c;
+    }
+    return url;
+}
 
 }  // namespace
 
@@ -47,14 +57,10 @@ std::wstring CellText(const AlbumCell& cell, bool linked) {
     std::wstring text = L"<td align=center width=" + Number(cell.width) + L" height=" + Number(cell.height) + L" ";
     text += L"bgcolor=#" + HexByte(cell.background) + HexByte(cell.background >> 8) + HexByte(cell.background >> 16) +
             L">";
-    if (linked) {
-        std::wstring anchor = L"<a href=\"" + cell.link + L"\">";
-        std::replace(anchor.begin(), anchor.end(), L'\\', L'/');
-        text += anchor;
-    }
+    if (linked) text += L"<a href=\"" + UrlText(cell.link) + L"\">";
     // A file that nothing could decode has no thumbnail: its cell shows the name alone.
     if (!cell.thumbnail.empty())
-        text += L"<img border=0 src=\"" + cell.thumbnail + L"\" alt=\"" + cell.altText + L"\"><br>";
+        text += L"<img border=0 src=\"" + UrlText(cell.thumbnail) + L"\" alt=\"" + cell.altText + L"\"><br>";
     text += cell.caption;
     if (linked) text += L"</a>";
     text += L"</td>\n";

@@ -1,7 +1,8 @@
 // The text of an album sheet, piece by piece in the order it is written: the head up to the
 // table's opening tag, the cells, the padding of an unfinished row, and the end with the
 // navigation line between the sheets. Line ends are single LF characters. Nothing from the
-// user or from file names is escaped for HTML: titles and names are written as they stand.
+// user or from file names is escaped for HTML: titles and names are written as they stand,
+// except that links and image sources escape "%" and "#", which would break them as URLs.
 #pragma once
 
 #include <cstdint>

@@ -150,6 +150,8 @@ TEST_F(WebAlbumRunTest, LinksByModeAndCopying) {
     const std::wstring inside = out.wstring() + L"/sub/A&B.JPG";
     const Row rows[] = {
         {lx::kLinkAbsolute, false, L"D:\\Pics\\A.JPG", L"<a href=\"D:/Pics/A.JPG\">"},
+        // A browser would cut the link at "#" and read "%41" as "A".
+        {lx::kLinkAbsolute, false, L"D:\\#1\\100%41.JPG", L"<a href=\"D:/%231/100%2541.JPG\">"},
         {lx::kLinkRelative, false, inside, L"<a href=\"./sub/A&B.JPG\">"},
         {lx::kLinkRelative, false, L"E:\\other\\x.png", L"<a href=\"E:/other/x.png\">"},
         {lx::kLinkRelative, true, L"E:\\other\\x.png", L"<a href=\"x.png\">"},

@@ -10,8 +10,9 @@
 
 namespace lx {
 
-// Writes `text` converted to the system ANSI code page (code page 0, no default-character
-// options) without a terminating zero. An empty text writes nothing and succeeds.
+// Writes `text` converted to the system ANSI code page without a terminating zero; a
+// character the code page lacks is written as a numeric character reference ("&#26408;").
+// An empty text writes nothing and succeeds.
 bool WriteAnsiText(HANDLE file, const std::wstring& text);
 
 class Win32AlbumFiles : public AlbumFileSystem {
