@@ -27,9 +27,6 @@ if(WIN32)
   # Only Windows system DLLs may be imported: the C++ runtime, libgcc and winpthread are static.
   add_link_options(-static -static-libgcc -static-libstdc++)
   add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0A00 WINVER=0x0A00)
-  # The Windows stack is only 16-byte aligned and MinGW's gcc may spill 32-byte AVX registers
-  # with aligned moves: the assembler turns them into unaligned ones.
-  add_compile_options(-Wa,-muse-unaligned-vector-move)
 endif()
 
 function(lx_portable_library name)
