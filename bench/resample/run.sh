@@ -19,9 +19,10 @@ runs=${1:-3}
 work=$root/build/bench-resample
 here=$root/bench/resample
 py=/usr/bin/python3
-magick=/usr/bin/convert-im6.q16  # the installed ImageMagick, not a stand-in earlier on PATH
 mkdir -p "$work"
 cd "$root"
+source bench/lib.sh
+magick=$im_convert
 for tool in vips taskset "$magick"; do command -v "$tool" >/dev/null || { echo "$tool is missing"; exit 1; }; done
 $py -c "import PIL, numpy" 2>/dev/null || { echo "Pillow or NumPy is missing (python3-pil, python3-numpy)"; exit 1; }
 
