@@ -110,7 +110,7 @@ TEST(ThumbnailMaker, PalettePicturesBecome24BitAndAlphaLiesOverWhite) {
 }
 
 #ifndef _WIN32
-TEST(ThumbnailMaker, ReductionAveragesAreasLikePillowsBoxReduction) {
+TEST(ThumbnailMaker, ReductionFiltersLikePillowsLanczos) {
     // Debian's Python, where scripts/setup.sh installs Pillow (a python3 earlier on the PATH may lack it).
     LX_REQUIRE_TOOLS("/usr/bin/python3");
     ASSERT_EQ(lxtest::Run("/usr/bin/python3 -c 'import PIL' >/dev/null 2>&1"), 0) << "Pillow is missing";
@@ -130,18 +130,20 @@ TEST(ThumbnailMaker, ReductionAveragesAreasLikePillowsBoxReduction) {
     ASSERT_EQ(ours->width(), 72);
     ASSERT_EQ(ours->height(), 36);
     const std::string script = "from PIL import Image; Image.open('" + (dir / "detail.bmp").string() +
-                               "').convert('RGB').reduce(4).save('" + (dir / "pillow.bmp").string() + "')";
+                               "').convert('RGB').resize((72, 36), Image.LANCZOS).save('" + (dir / "pillow.bmp").string() + "')";
     ASSERT_EQ(lxtest::Run("/usr/bin/python3 -c \"" + script + "\""), 0);
     const auto pillow = LoadImageFile(dir / "pillow.bmp");
     ASSERT_TRUE(pillow);
-    int worst = 0;
+    double sum = 0;
     for (int y = 0; y < 36; ++y)
         for (int x = 0; x < 72; ++x)
             for (int shift : {0, 8, 16}) {
                 const int a = (ours->pixel(x, y) >> shift) & 0xff, b = (pillow->pixel(x, y) >> shift) & 0xff;
-                worst = std::max(worst, std::abs(a - b));
+                sum += std::abs(a - b);
             }
-    EXPECT_LE(worst, 1);
+    // Our kernel has a lobe more than Pillow's, which is 1.2 away; Pillow's own bicubic is 2.4,
+    // area averaging 5.2 and a point sample 61 away.
+    EXPECT_LE(sum / (72 * 36 * 3), 1.5);
 }
 #endif
 
