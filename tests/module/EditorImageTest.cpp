@@ -308,6 +308,25 @@ TEST_F(EditorImageTest, MirrorWorksWithinTheSelectionAndKeepsIt) {
     EXPECT_EQ(ShownPixel(*editor, 1, 1), 0x0A0A0Au);
 }
 
+// Select by size: a zero height is refused with the focus on it; a good size is centred.
+TEST_F(EditorImageTest, SelectBySizeRefusesAZeroSideAndCentresTheSelection) {
+    auto editor = Open(Filled(40, 30, 24, 128));
+    editor->Command(2035);
+    HWND dialog = WaitDialog(L"指定サイズで選択");
+    ASSERT_NE(dialog, nullptr);
+    SetDlgItemInt(dialog, 1001, 10, FALSE);
+    SetDlgItemInt(dialog, 1002, 0, FALSE);
+    EXPECT_TRUE(Refused(dialog, 1002));
+    SetDlgItemInt(dialog, 1002, 6, FALSE);
+    ASSERT_TRUE(Press(dialog, IDOK));
+    const RECT selection = editor->Selection();
+    EXPECT_EQ(selection.left, 15);
+    EXPECT_EQ(selection.top, 12);
+    EXPECT_EQ(selection.right, 25);
+    EXPECT_EQ(selection.bottom, 18);
+    EXPECT_FALSE(editor->ToolEnabled(2036));  // a selection is no step
+}
+
 // The colour table editor shows the entries of a palette picture; closing it without a
 // change makes no step.
 TEST_F(EditorImageTest, TheColourTableEditorShowsTheFirstEntryAndAnUnchangedTableIsNoStep) {
