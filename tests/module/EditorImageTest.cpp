@@ -128,6 +128,36 @@ TEST_F(EditorImageTest, PastingIntoAnEmptyEditorMakesTheDocumentAtTwentyFourBits
     EXPECT_EQ(ShownPixel(editor, 3, 3), 0x404040u);
 }
 
+// A device-dependent bitmap alone is taken too; a block no reader takes (7 bits per pixel)
+// changes nothing.
+TEST_F(EditorImageTest, ABitmapOnTheClipboardIsPastedAndAMalformedOneIsNot) {
+    PackedDib bad = Filled(4, 4, 24, 0);
+    std::vector<uint8_t> bytes(bad.bytes().begin(), bad.bytes().end());
+    bytes[14] = 7;  // biBitCount
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    EmptyClipboard();
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes.size());
+    std::memcpy(GlobalLock(block), bytes.data(), bytes.size());
+    GlobalUnlock(block);
+    SetClipboardData(CF_DIB, block);
+    CloseClipboard();
+    Editor editor{std::wstring(L"")};
+    ASSERT_TRUE(editor.frame());
+    editor.CommandNow(2032);
+    EXPECT_FALSE(editor.HasImage());
+
+    const std::vector<uint32_t> pixels(8 * 6, 0x00336699);  // 32-bit rows, top-down
+    HBITMAP bitmap = CreateBitmap(8, 6, 1, 32, pixels.data());
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    EmptyClipboard();
+    SetClipboardData(CF_BITMAP, bitmap);
+    CloseClipboard();
+    editor.CommandNow(2032);
+    ASSERT_TRUE(editor.HasImage());
+    EXPECT_EQ(editor.StatusText(4), L"8 x 6");
+    EXPECT_EQ(ShownPixel(editor, 7, 5), 0x336699u);
+}
+
 // The list hands on codes: row 5 is "明度" (6), row 16 "減算" (18). The anchor's centre cell
 // places a 10 x 10 picture at (15, 10) of a 40 x 30 one.
 TEST_F(EditorImageTest, TheModeListStoresCodesAndTheAnchorPlacesThePicture) {
