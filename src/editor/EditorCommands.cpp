@@ -23,16 +23,16 @@ constexpr EditorCommand kCommands[] = {
     {2001, R::Always, true},           // close
     {2036, R::UndoAvailable, true},    // undo
     {2031, R::SelectionPresent, true}, // copy
-    {2032, R::ClipboardImage, false},  // paste
+    {2032, R::ClipboardImage, true} ,  // paste
     {2033, R::Always, true},           // select all
     {2034, R::Always, true},           // clear the selection
     {2035, R::Always, true},           // select by size
     {2051, R::DepthBelow24, true},     // to 24-bit colour
-    {2053, R::DepthFrom24, false},     // reduce colours
-    {2055, R::Always, false},          // count colours
-    {2054, R::DepthBelow24, false},    // edit the colour table
-    {2071, R::Always, false},          // image size
-    {2073, R::Always, false},          // canvas size
+    {2053, R::DepthFrom24, true} ,     // reduce colours
+    {2055, R::Always, true} ,          // count colours
+    {2054, R::DepthBelow24, true} ,    // edit the colour table
+    {2071, R::Always, true} ,          // image size
+    {2073, R::Always, true} ,          // canvas size
     {2072, R::SelectionPresent, true}, // crop
     {2083, R::Always, true},           // mirror
     {2084, R::Always, true},           // flip

@@ -16,6 +16,7 @@
 #include <windows.h>
 
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -28,6 +29,7 @@
 #include "RecentDocuments.h"
 #include "StatusBar.h"
 #include "Window.h"
+#include "mif.h"
 
 namespace lx {
 
@@ -97,13 +99,26 @@ private:
     // Commands (MainFrameCommands.cpp).
     bool RunCommand(UINT id);
     void ZoomCommand(UINT id);
-    // Runs a mif operation on a copy of the picture and commits it as an undo step of `id`.
+    // Runs a mif operation on a copy of the picture and commits it as an undo step of `id`;
+    // false when there is no picture or the operation yields nothing (nothing changes then).
     template <typename Operation>
-    void EditImage(UINT id, bool restoreSelection, Operation operation);
+    bool EditImage(UINT id, bool restoreSelection, Operation operation);
     void NewImage();
     void CopyToClipboard();
     void SelectBySize();
     void CountColours();
+
+    // Image operations with a dialog (MainFrameImage.cpp).
+    void ImageSize();
+    void CanvasSize();
+    void ReduceColoursCommand();
+    void EditPalette();
+
+    // Paste (MainFramePaste.cpp).
+    void Paste();
+    // Floats the picture over the view for the user to place; its top-left in image pixels,
+    // or nothing when the user gave up.
+    std::optional<POINT> PlaceByHand(const mif& picture);
     void ToggleGrid();
     void ToggleNavigator();
     void ToggleSmallButtons();
@@ -139,6 +154,10 @@ private:
     Icon paneIcons_[3];
     HACCEL accelerators_ = nullptr;
     HMENU contextMenu_ = nullptr;  // a popup of the command bar's menu
+    int lastResampleMethod_ = 2;   // the image-size dialog starts from the last choice
+    int lastCubic_ = 5;
+    int lastQuantizeMethod_ = 1;
+    int lastQuantizeCount_ = 256;
 };
 
 // The editor's frame, for the frame runner (the module hands this factory in).

@@ -7,6 +7,7 @@
 #include "ImageFormats.h"
 #include "ImagePrint.h"
 #include "MainFrame.h"
+#include "MainFrameEdit.h"
 #include "ModuleResources.h"
 #include "SizeClipDialog.h"
 #include "StatusTexts.h"
@@ -60,10 +61,15 @@ bool CMainFrame::RunCommand(UINT id) {
     case 2014: StepInFolder(false); break;
     case 2015: StepInFolder(true); break;
     case 2031: CopyToClipboard(); break;
+    case 2032: Paste(); break;
     case 2033: document_.SelectAll(); break;
     case 2034: document_.ClearSelection(); break;
     case 2035: SelectBySize(); break;
     case 2036: document_.Undo(); break;
+    case 2053: ReduceColoursCommand(); break;
+    case 2054: EditPalette(); break;
+    case 2071: ImageSize(); break;
+    case 2073: CanvasSize(); break;
     case 2051: EditImage(id, true, [](mif& image, const ViewRect&) { return image.setdepth(24); }); break;
     case 2055: CountColours(); break;
     case 2072:
@@ -74,8 +80,13 @@ bool CMainFrame::RunCommand(UINT id) {
         break;
     case 2081: EditImage(id, false, [](mif& image, const ViewRect&) { return image.rotate(1); }); break;
     case 2082: EditImage(id, false, [](mif& image, const ViewRect&) { return image.rotate(0); }); break;
-    case 2083: EditImage(id, true, [](mif& image, const ViewRect&) { return image.mirror(0, 0, 0, 0); }); break;
-    case 2084: EditImage(id, true, [](mif& image, const ViewRect&) { return image.flip(0, 0, 0, 0); }); break;
+    // Within the selection (all zero without one: the whole picture); the selection stays.
+    case 2083:
+        EditImage(id, true, [](mif& image, const ViewRect& s) { return image.mirror(s.left, s.top, s.width(), s.height()); });
+        break;
+    case 2084:
+        EditImage(id, true, [](mif& image, const ViewRect& s) { return image.flip(s.left, s.top, s.width(), s.height()); });
+        break;
     case 2103: ToggleSmallButtons(); break;
     case 2104: ToggleNavigator(); break;
     case 2110: RunSetup(); break;
@@ -83,19 +94,6 @@ bool CMainFrame::RunCommand(UINT id) {
     case 57664: RunAboutBox(hwnd()); break;
     }
     return true;
-}
-
-template <typename Operation>
-void CMainFrame::EditImage(UINT id, bool restoreSelection, Operation operation) {
-    HGLOBAL shown = ViewImage();
-    if (!shown) return;
-    HCURSOR previous = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
-    mif image(shown);
-    HGLOBAL result = nullptr;
-    if (!image.empty() && operation(image, Selection())) result = static_cast<HGLOBAL>(image.createglobaldib());
-    SetCursor(previous);
-    // An operation that yields nothing changes nothing: no step, no view change.
-    if (result) document_.Commit(result, static_cast<int>(id), !restoreSelection, restoreSelection);
 }
 
 // The new picture replaces the document; the one it replaces becomes its first undo step.

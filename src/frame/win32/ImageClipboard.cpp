@@ -1,5 +1,8 @@
 #include "ImageClipboard.h"
 
+#include <cstring>
+
+#include "DibGlobal.h"
 #include "mif.h"
 
 namespace lx {
@@ -17,7 +20,38 @@ HBITMAP DeviceBitmapOf(const PackedDib& dib, HPALETTE palette) {
     return bitmap;
 }
 
+// The pixels of a device-dependent bitmap as a 24-bit DIB, its colours looked up in
+// `palette` when it has one.
+std::optional<PackedDib> DibOfBitmap(HBITMAP bitmap, HPALETTE palette) {
+    BITMAP facts{};
+    if (!GetObjectW(bitmap, sizeof facts, &facts) || facts.bmWidth <= 0 || facts.bmHeight <= 0) return std::nullopt;
+    PackedDib dib = PackedDib::Create(facts.bmWidth, facts.bmHeight, 24);
+    if (dib.empty()) return std::nullopt;
+    HDC screen = GetDC(nullptr);
+    HPALETTE old = palette ? SelectPalette(screen, palette, FALSE) : nullptr;
+    if (palette) RealizePalette(screen);
+    BITMAPINFO info{};
+    std::memcpy(&info.bmiHeader, dib.bytes().data(), sizeof info.bmiHeader);
+    const int rows = GetDIBits(screen, bitmap, 0, static_cast<UINT>(facts.bmHeight), dib.bits(), &info, DIB_RGB_COLORS);
+    if (old) SelectPalette(screen, old, FALSE);
+    ReleaseDC(nullptr, screen);
+    if (rows != facts.bmHeight) return std::nullopt;
+    return dib;
+}
+
 }  // namespace
+
+std::optional<PackedDib> ReadClipboardPicture(HWND owner) {
+    if (!OpenClipboard(owner)) return std::nullopt;
+    std::optional<PackedDib> dib;
+    if (HGLOBAL data = GetClipboardData(CF_DIB)) {
+        dib = DibFromGlobal(data);
+    } else if (auto bitmap = static_cast<HBITMAP>(GetClipboardData(CF_BITMAP))) {
+        dib = DibOfBitmap(bitmap, static_cast<HPALETTE>(GetClipboardData(CF_PALETTE)));
+    }
+    CloseClipboard();
+    return dib;
+}
 
 bool PutImageOnClipboard(HWND owner, HGLOBAL image, const RECT& selection, ClipboardForms forms) {
     if (!image) return false;

@@ -3,6 +3,10 @@
 
 #include <windows.h>
 
+#include <optional>
+
+#include "PackedDib.h"
+
 namespace lx {
 
 enum class ClipboardForms {
@@ -15,5 +19,10 @@ enum class ClipboardForms {
 // (then nothing is left behind).
 bool PutImageOnClipboard(HWND owner, HGLOBAL image, const RECT& selection,
                          ClipboardForms forms = ClipboardForms::DibAndPalette);
+
+// The picture on the clipboard: its CF_DIB, or else its CF_BITMAP drawn through its
+// CF_PALETTE (when there is one) as a 24-bit DIB. nullopt when there is none, the clipboard
+// is busy or the data is malformed.
+std::optional<PackedDib> ReadClipboardPicture(HWND owner);
 
 }  // namespace lx

@@ -47,7 +47,11 @@ private:
             const UINT width = GetDlgItemInt(hwnd(), IDC_SIZECLIP_WIDTH, &widthOk, FALSE);
             const UINT height = GetDlgItemInt(hwnd(), IDC_SIZECLIP_HEIGHT, &heightOk, FALSE);
             if (!widthOk || !heightOk || width == 0 || height == 0) {
+                // The box at fault gets the focus, its text selected.
+                const int bad = !widthOk || width == 0 ? IDC_SIZECLIP_WIDTH : IDC_SIZECLIP_HEIGHT;
                 MessageBeep(MB_ICONWARNING);
+                SendMessageW(hwnd(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(hwnd(), bad)), TRUE);
+                SendDlgItemMessageW(hwnd(), bad, EM_SETSEL, 0, -1);
                 return TRUE;
             }
             chosen = {static_cast<int32_t>(std::min<UINT>(width, INT32_MAX)),

@@ -2,12 +2,11 @@
 // shadow, and solid fills.
 //
 // The blend formulas are the ones photo editors and the W3C compositing model share, on
-// channels scaled to 0..1 (b the image below, s the layer): multiply b*s, screen b+s-b*s,
-// hard light multiply or screen by 2s, overlay hard light with the roles swapped, soft light
-// the W3C curve, colour dodge b/(1-s), colour burn 1-(1-b)/s, add and subtract clamped; hue,
-// saturation and luminosity take that property from the layer and the rest from below, with
-// luminosity 0.3 R + 0.59 G + 0.11 B. The blended colour is then mixed over the image by the
-// opacity times the layer's own alpha.
+// channels scaled to 0..1 (b the image below, s the layer); each is written beside its case.
+// Hue, saturation and luminosity work on whole colours with the W3C helpers Lum, ClipColor,
+// SetLum, Sat and SetSat (luminosity 0.3 R + 0.59 G + 0.11 B). The blended colour is rounded
+// to 0..255 and then mixed over the image by the opacity times the layer's own alpha:
+// result = (below x (255 - a) + blended x a + 127) / 255.
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -30,28 +29,32 @@ double HardLight(double b, double s) { return s <= 0.5 ? b * 2 * s : 1 - (1 - b)
 
 double BlendChannel(int mode, double b, double s) {
     switch (mode) {
-    case kBlendDarken: return std::min(b, s);
-    case kBlendLighten: return std::max(b, s);
-    case kBlendMultiply: return b * s;
-    case kBlendScreen: return b + s - b * s;
-    case kBlendOverlay: return HardLight(s, b);
-    case kBlendHardLight: return HardLight(b, s);
+    case kBlendDarken: return std::min(b, s);      // min(b, s)
+    case kBlendLighten: return std::max(b, s);     // max(b, s)
+    case kBlendMultiply: return b * s;             // b s
+    case kBlendScreen: return b + s - b * s;       // b + s - b s
+    case kBlendOverlay: return HardLight(s, b);    // hard light with b and s swapped
+    case kBlendHardLight: return HardLight(b, s);  // s <= 1/2: 2 b s, else 1 - 2 (1 - b)(1 - s)
     case kBlendSoftLight: {
+        // s <= 1/2: b - (1 - 2s) b (1 - b); else b + (2s - 1)(D(b) - b) with
+        // D(b) = ((16b - 12) b + 4) b for b <= 1/4, sqrt(b) above
         if (s <= 0.5) return b - (1 - 2 * s) * b * (1 - b);
         const double d = b <= 0.25 ? ((16 * b - 12) * b + 4) * b : std::sqrt(b);
         return b + (2 * s - 1) * (d - b);
     }
-    case kBlendDifference: return std::fabs(b - s);
-    case kBlendExclusion: return b + s - 2 * b * s;
+    case kBlendDifference: return std::fabs(b - s);  // |b - s|
+    case kBlendExclusion: return b + s - 2 * b * s;  // b + s - 2 b s
     case kBlendColorDodge:
+        // b = 0: 0; s = 1: 1; else min(1, b / (1 - s))
         if (b == 0) return 0;
         return s >= 1 ? 1 : std::min(1.0, b / (1 - s));
     case kBlendColorBurn:
+        // b = 1: 1; s = 0: 0; else 1 - min(1, (1 - b) / s)
         if (b >= 1) return 1;
         return s <= 0 ? 0 : 1 - std::min(1.0, (1 - b) / s);
-    case kBlendAdd: return std::min(1.0, b + s);
-    case kBlendSubtract: return std::max(0.0, b - s);
-    default: return s;
+    case kBlendAdd: return std::min(1.0, b + s);       // min(1, b + s)
+    case kBlendSubtract: return std::max(0.0, b - s);  // max(0, b - s)
+    default: return s;                                 // normal: s
     }
 }
 
@@ -68,8 +71,11 @@ struct Colour {
     double c[3];  // red, green, blue, 0..1
 };
 
+// Lum(C) = 0.3 R + 0.59 G + 0.11 B
 double Lum(const Colour& x) { return 0.3 * x.c[0] + 0.59 * x.c[1] + 0.11 * x.c[2]; }
 
+// ClipColor: with l = Lum(C), n = min, x = max of the channels: if n < 0, C = l + (C - l) l / (l - n);
+// then if x > 1, C = l + (C - l)(1 - l) / (x - l). Out-of-range colours move towards their grey.
 Colour ClipColour(Colour x) {
     const double l = Lum(x);
     const double n = std::min({x.c[0], x.c[1], x.c[2]}), m = std::max({x.c[0], x.c[1], x.c[2]});
@@ -80,14 +86,17 @@ Colour ClipColour(Colour x) {
     return x;
 }
 
+// SetLum(C, l) = ClipColor(C + (l - Lum(C)))
 Colour SetLum(Colour x, double l) {
     const double d = l - Lum(x);
     for (double& v : x.c) v += d;
     return ClipColour(x);
 }
 
+// Sat(C) = max - min
 double Sat(const Colour& x) { return std::max({x.c[0], x.c[1], x.c[2]}) - std::min({x.c[0], x.c[1], x.c[2]}); }
 
+// SetSat(C, s): max becomes s, mid (mid - min) s / (max - min), min 0; a grey becomes black.
 Colour SetSat(Colour x, double s) {
     int order[3] = {0, 1, 2};
     std::sort(order, order + 3, [&](int a, int b) { return x.c[a] < x.c[b]; });
@@ -106,9 +115,9 @@ Colour SetSat(Colour x, double s) {
 
 Colour BlendColour(int mode, const Colour& b, const Colour& s) {
     switch (mode) {
-    case kBlendHue: return SetLum(SetSat(s, Sat(b)), Lum(b));
-    case kBlendSaturation: return SetLum(SetSat(b, Sat(s)), Lum(b));
-    default: return SetLum(b, Lum(s));  // luminosity
+    case kBlendHue: return SetLum(SetSat(s, Sat(b)), Lum(b));         // SetLum(SetSat(s, Sat(b)), Lum(b))
+    case kBlendSaturation: return SetLum(SetSat(b, Sat(s)), Lum(b));  // SetLum(SetSat(b, Sat(s)), Lum(b))
+    default: return SetLum(b, Lum(s));                                // luminosity: SetLum(b, Lum(s))
     }
 }
 

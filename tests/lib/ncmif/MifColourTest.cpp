@@ -158,6 +158,20 @@ TEST(MifLayerPlacement, OnlyTheOverlapChangesWhereverTheLayerLies) {
     }
 }
 
+TEST(MifLayerPlacement, ALayerLargerThanTheImageCoversItWhereverItOverlaps) {
+    for (auto [x, y] : {std::pair{-2, -1}, {0, 0}, {-20, 0}, {3, 2}}) {
+        mif image(Solid(8, 7, 0x000000));
+        const mif layer(Solid(20, 16, 0xffffff));
+        ASSERT_TRUE(image.addlayer(&layer, x, y, 0, 255));
+        EXPECT_EQ(image.width(), 8);
+        for (int py = 0; py < 7; ++py)
+            for (int px = 0; px < 8; ++px) {
+                const bool covered = px >= x && px < x + 20 && py >= y && py < y + 16;
+                ASSERT_EQ(image.dib().pixel(px, py) & 0xffffff, covered ? 0xffffffu : 0u) << x << "," << y;
+            }
+    }
+}
+
 TEST(MifLayerPlacement, EveryFormatOnEveryFormat) {
     for (const Format& below : AllFormats())
         for (const Format& over : AllFormats()) {
