@@ -36,7 +36,7 @@ std::optional<PackedDib> PrepareSlidePicture(PackedDib picture, int screenWidth,
         !image.zoom(place.width, place.height, kZoomHighQuality, 0))
         return std::nullopt;
     if (image.depth() != 24 && !image.setdepth(24)) return std::nullopt;
-    return image.createdib();
+    return image.detachdib();
 }
 
 }  // namespace lx

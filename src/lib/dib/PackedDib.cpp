@@ -1,7 +1,10 @@
 #include "PackedDib.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <new>
+#include <utility>
 
 namespace lx {
 namespace {
@@ -38,7 +41,110 @@ size_t TableEntries(const DibHeader& h) {
     return n + std::min<uint32_t>(h.clrUsed, 256);
 }
 
+// Where the parts of a packed DIB lie, once its header has been checked against its size.
+struct Layout {
+    DibHeader header;  // as PackedDib keeps it: 40 bytes, bottom-up, the table's true count
+    bool topDown = false;
+    size_t tableOffset = 0;
+    size_t entries = 0;     // table entries that follow the header in the bytes
+    size_t outEntries = 0;  // table entries PackedDib keeps: the palette, or three masks
+    size_t stride = 0;
+    size_t imageBytes = 0;
+
+    size_t bitsOffset() const { return kDibHeaderSize + outEntries * 4; }
+    // Laid out as Create lays a DIB out, so the bytes can be kept as they are.
+    bool inPlace() const { return tableOffset == kDibHeaderSize && !topDown && entries == outEntries; }
+};
+
+std::optional<Layout> ParseLayout(const uint8_t* data, size_t size) {
+    if (data == nullptr || size < kDibHeaderSize) return std::nullopt;
+    const DibHeader h = ParseHeader(data);
+    if (h.size < kDibHeaderSize || h.size > size || h.width <= 0 || h.height == 0 || h.height == INT32_MIN ||
+        !IsSupportedDepth(h.bitCount))
+        return std::nullopt;
+    if (h.compression != kBiRgb && !(h.compression == kBiBitfields && (h.bitCount == 16 || h.bitCount == 32)))
+        return std::nullopt;
+    Layout l;
+    l.topDown = h.height < 0;
+    const int height = l.topDown ? -h.height : h.height;
+    if (static_cast<int64_t>(h.width) * height > kMaxPixels) return std::nullopt;
+    // BI_BITFIELDS masks sit after a 40-byte header, or inside a larger (V4/V5) one.
+    l.tableOffset = h.size;
+    l.entries = TableEntries(h);
+    if (h.compression == kBiBitfields && h.size >= 52) l.entries -= 3;  // masks are in the header
+    l.stride = DibStride(h.width, h.bitCount);
+    l.imageBytes = l.stride * static_cast<size_t>(height);
+    if (l.tableOffset + l.entries * 4 > size || size - l.tableOffset - l.entries * 4 < l.imageBytes)
+        return std::nullopt;
+    l.outEntries = h.bitCount <= 8 ? l.entries : (h.compression == kBiBitfields ? 3 : 0);
+    l.header = h;
+    l.header.size = 40;
+    l.header.height = height;
+    l.header.sizeImage = static_cast<uint32_t>(l.imageBytes);
+    l.header.clrUsed = h.bitCount <= 8 ? static_cast<uint32_t>(l.entries) : 0;
+    return l;
+}
+
 }  // namespace
+
+DibBytes::DibBytes(size_t size) {
+    if (size == 0) return;
+    data_ = AllocateDibBlock(size);
+    if (!data_) throw std::bad_alloc();
+    size_ = size;
+    owned_ = true;
+}
+
+DibBytes::DibBytes(const DibBytes& other) : DibBytes(other.size_) {
+    if (size_) std::memcpy(data_, other.data_, size_);
+}
+
+DibBytes::DibBytes(DibBytes&& other) noexcept
+    : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)),
+      owned_(std::exchange(other.owned_, false)) {}
+
+DibBytes& DibBytes::operator=(DibBytes other) noexcept {
+    std::swap(data_, other.data_);
+    std::swap(size_, other.size_);
+    std::swap(owned_, other.owned_);
+    return *this;
+}
+
+DibBytes::~DibBytes() {
+    if (owned_) FreeDibBlock(data_);
+}
+
+DibBytes DibBytes::Adopt(uint8_t* block, size_t size) {
+    DibBytes bytes;
+    bytes.data_ = block;
+    bytes.size_ = block ? size : 0;
+    bytes.owned_ = block != nullptr;
+    return bytes;
+}
+
+DibBytes DibBytes::Lend(uint8_t* data, size_t size) {
+    DibBytes bytes;
+    bytes.data_ = data;
+    bytes.size_ = data ? size : 0;
+    return bytes;
+}
+
+uint8_t* DibBytes::release() noexcept {
+    uint8_t* block = owned_ ? data_ : nullptr;
+    data_ = nullptr;
+    size_ = 0;
+    owned_ = false;
+    return block;
+}
+
+bool DibBytes::operator==(const DibBytes& other) const {
+    return size_ == other.size_ && (size_ == 0 || std::memcmp(data_, other.data_, size_) == 0);
+}
+
+#ifndef _WIN32
+uint8_t* AllocateDibBlock(size_t size) { return static_cast<uint8_t*>(std::calloc(size, 1)); }
+void FreeDibBlock(uint8_t* block) { std::free(block); }
+#endif
 
 PackedDib PackedDib::Create(int width, int height, int bitCount) {
     PackedDib dib;
@@ -52,7 +158,7 @@ PackedDib PackedDib::Create(int width, int height, int bitCount) {
     dib.header_.clrUsed = static_cast<uint32_t>(entries);
     dib.header_.sizeImage = static_cast<uint32_t>(DibStride(width, bitCount) * height);
     dib.bitsOffset_ = kDibHeaderSize + entries * 4;
-    dib.bytes_.assign(dib.bitsOffset_ + dib.header_.sizeImage, 0);
+    dib.bytes_ = DibBytes(dib.bitsOffset_ + dib.header_.sizeImage);
     dib.writeHeader();
     for (size_t i = 0; i < entries; ++i) {
         const uint8_t v = static_cast<uint8_t>(entries == 1 ? 0 : i * 255 / (entries - 1));
@@ -62,49 +168,62 @@ PackedDib PackedDib::Create(int width, int height, int bitCount) {
 }
 
 std::optional<PackedDib> PackedDib::FromBytes(const uint8_t* data, size_t size) {
-    if (data == nullptr || size < kDibHeaderSize) return std::nullopt;
-    DibHeader h = ParseHeader(data);
-    if (h.size < kDibHeaderSize || h.size > size || h.width <= 0 || h.height == 0 ||
-        h.height == INT32_MIN || !IsSupportedDepth(h.bitCount))
-        return std::nullopt;
-    if (h.compression != kBiRgb && !(h.compression == kBiBitfields && (h.bitCount == 16 || h.bitCount == 32)))
-        return std::nullopt;
-    const bool topDown = h.height < 0;
-    const int height = topDown ? -h.height : h.height;
-    if (static_cast<int64_t>(h.width) * height > kMaxPixels) return std::nullopt;
-    // BI_BITFIELDS masks sit after a 40-byte header, or inside a larger (V4/V5) one.
-    const size_t tableOffset = h.size;
-    size_t entries = TableEntries(h);
-    if (h.compression == kBiBitfields && h.size >= 52) entries -= 3;  // masks are in the header
-    const size_t stride = DibStride(h.width, h.bitCount);
-    const size_t imageBytes = stride * static_cast<size_t>(height);
-    if (tableOffset + entries * 4 > size || size - tableOffset - entries * 4 < imageBytes)
-        return std::nullopt;
-
+    const std::optional<Layout> l = ParseLayout(data, size);
+    if (!l) return std::nullopt;
+    const DibHeader& h = l->header;
     PackedDib dib;
     dib.header_ = h;
-    dib.header_.size = 40;
-    dib.header_.height = height;
-    dib.header_.sizeImage = static_cast<uint32_t>(imageBytes);
-    if (h.bitCount <= 8) dib.header_.clrUsed = static_cast<uint32_t>(entries);
-    const size_t outEntries = h.bitCount <= 8 ? entries : (h.compression == kBiBitfields ? 3 : 0);
-    if (h.bitCount > 8) dib.header_.clrUsed = 0;
-    dib.bitsOffset_ = kDibHeaderSize + outEntries * 4;
-    dib.bytes_.assign(dib.bitsOffset_ + imageBytes, 0);
+    dib.bitsOffset_ = l->bitsOffset();
+    dib.bytes_ = DibBytes(dib.bitsOffset_ + l->imageBytes);
     dib.writeHeader();
     if (h.bitCount <= 8) {
-        std::memcpy(dib.bytes_.data() + kDibHeaderSize, data + tableOffset, entries * 4);
+        std::memcpy(dib.bytes_.data() + kDibHeaderSize, data + l->tableOffset, l->entries * 4);
     } else if (h.compression == kBiBitfields) {
-        const uint8_t* masks = h.size >= 52 ? data + 40 : data + tableOffset;
+        const uint8_t* masks = l->tableOffset >= 52 ? data + 40 : data + l->tableOffset;
         std::memcpy(dib.bytes_.data() + kDibHeaderSize, masks, 12);
     }
-    const uint8_t* src = data + tableOffset + entries * 4;
-    if (!topDown) {
-        std::memcpy(dib.bits(), src, imageBytes);
+    const uint8_t* src = data + l->tableOffset + l->entries * 4;
+    if (!l->topDown) {
+        std::memcpy(dib.bits(), src, l->imageBytes);
     } else {
-        for (int y = 0; y < height; ++y) std::memcpy(dib.row(y), src + static_cast<size_t>(y) * stride, stride);
+        for (int y = 0; y < h.height; ++y)
+            std::memcpy(dib.row(y), src + static_cast<size_t>(y) * l->stride, l->stride);
     }
     return dib;
+}
+
+std::optional<PackedDib> PackedDib::Adopt(DibBytes& bytes) {
+    const std::optional<Layout> l = ParseLayout(bytes.data(), bytes.size());
+    if (!l || !l->inPlace()) return std::nullopt;
+    PackedDib dib;
+    dib.header_ = l->header;
+    dib.bitsOffset_ = l->bitsOffset();
+    const size_t used = dib.bitsOffset_ + l->imageBytes;
+    if (bytes.owned()) {
+        dib.bytes_ = DibBytes::Adopt(bytes.release(), used);
+        dib.writeHeader();
+    } else {
+        dib.bytes_ = DibBytes::Lend(bytes.data(), used);
+        bytes = DibBytes();
+    }
+    return dib;
+}
+
+std::optional<PackedDib> PackedDib::Borrow(const uint8_t* data, size_t size) {
+    const std::optional<Layout> l = ParseLayout(data, size);
+    if (!l || !l->inPlace()) return std::nullopt;
+    PackedDib dib;
+    dib.header_ = l->header;
+    dib.bitsOffset_ = l->bitsOffset();
+    // Nothing writes through the lent bytes: the header is kept as parsed, not rewritten.
+    dib.bytes_ = DibBytes::Lend(const_cast<uint8_t*>(data), dib.bitsOffset_ + l->imageBytes);
+    return dib;
+}
+
+DibBytes PackedDib::release() noexcept {
+    header_ = DibHeader{};
+    bitsOffset_ = 0;
+    return std::move(bytes_);
 }
 
 void PackedDib::writeHeader() {

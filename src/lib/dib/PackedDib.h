@@ -3,9 +3,10 @@
 // Every image that passes between tools, the codecs and the image class is a packed
 // device-independent bitmap: a 40-byte BITMAPINFOHEADER, then the colour table (or the
 // three BI_BITFIELDS masks), then the pixel rows, bottom-up, each padded to 4 bytes.
-// On Windows those bytes live in a global memory block (see DibGlobal.h); the portable
-// core holds the very same bytes in a PackedDib, which owns them. Moving a PackedDib
-// moves ownership; it is never shared.
+// The portable core holds those bytes in a PackedDib, which owns them; on Windows they
+// live in a fixed global memory block from the start, so that a DIB is handed over as an
+// HGLOBAL, and an HGLOBAL taken in, without copying its pixels (see DibGlobal.h). Moving a
+// PackedDib moves ownership; copying copies the bytes; they are never shared.
 //
 // Depths 1, 4, 8 (palette), 16 (5-5-5 or BI_BITFIELDS), 24 and 32 (BGRA) are accepted.
 // Header fields are little-endian as in the file format; accessors read them portably.
@@ -48,6 +49,56 @@ struct Rgbq {
     bool operator==(const Rgbq&) const = default;
 };
 
+// One block of DIB bytes, zero-filled when made. Owned (freed with it) unless it was only
+// lent for a passing look (PackedDib::Borrow); a copy is always owned.
+class DibBytes {
+public:
+    using value_type = uint8_t;
+    using iterator = uint8_t*;
+    using const_iterator = const uint8_t*;
+
+    DibBytes() = default;
+    // Throws std::bad_alloc when memory runs out, as a vector would.
+    explicit DibBytes(size_t size);
+    DibBytes(const DibBytes& other);
+    DibBytes(DibBytes&& other) noexcept;
+    DibBytes& operator=(DibBytes other) noexcept;
+    ~DibBytes();
+
+    // Takes a block that AllocateDibBlock made, holding `size` meaningful bytes.
+    static DibBytes Adopt(uint8_t* block, size_t size);
+    // Looks at bytes that stay someone else's; they must outlive this object.
+    static DibBytes Lend(uint8_t* data, size_t size);
+    // Gives the block up (null when it was only lent or is empty): the caller frees it with
+    // FreeDibBlock.
+    uint8_t* release() noexcept;
+    bool owned() const { return owned_; }
+
+    uint8_t* data() { return data_; }
+    const uint8_t* data() const { return data_; }
+    size_t size() const { return size_; }
+    bool empty() const { return size_ == 0; }
+    uint8_t* begin() { return data_; }
+    uint8_t* end() { return data_ + size_; }
+    const uint8_t* begin() const { return data_; }
+    const uint8_t* end() const { return data_ + size_; }
+    uint8_t& operator[](size_t i) { return data_[i]; }
+    uint8_t operator[](size_t i) const { return data_[i]; }
+    operator std::vector<uint8_t>() const { return {begin(), end()}; }
+    bool operator==(const DibBytes& other) const;
+
+private:
+    uint8_t* data_ = nullptr;
+    size_t size_ = 0;
+    bool owned_ = false;
+};
+
+// Where DIB blocks come from: `size` zero-filled bytes, or null when memory runs out. The
+// portable build takes them from the C heap; on Windows each is a fixed global memory block,
+// whose pointer is its HGLOBAL.
+uint8_t* AllocateDibBlock(size_t size);
+void FreeDibBlock(uint8_t* block);
+
 // Bytes per row of a DIB, padded to 4.
 constexpr size_t DibStride(int width, int bitCount) {
     return ((static_cast<size_t>(width) * static_cast<size_t>(bitCount) + 31) / 32) * 4;
@@ -65,6 +116,16 @@ public:
     // and the pixel rows all lie within `size` (top-down images are turned bottom-up,
     // BI_RLE4/8 are refused). Returns nullopt for anything malformed.
     static std::optional<PackedDib> FromBytes(const uint8_t* data, size_t size);
+    // Takes the bytes as they are when they already hold a DIB laid out as Create lays one out
+    // (40-byte header, the colour table or masks alone, bottom-up rows); header fields that
+    // only restate the layout (colours used, image size) are set right in place. Nullopt,
+    // and the bytes left with the caller, otherwise.
+    static std::optional<PackedDib> Adopt(DibBytes& bytes);
+    // The same test without taking anything: a DIB that reads `data` in place, which must
+    // outlive it and which it does not change (for a passing look, such as reducing it).
+    static std::optional<PackedDib> Borrow(const uint8_t* data, size_t size);
+    // Gives up the bytes; the DIB is empty afterwards.
+    DibBytes release() noexcept;
 
     bool empty() const { return bytes_.empty(); }
     int width() const { return header_.width; }
@@ -88,7 +149,7 @@ public:
     const uint8_t* bits() const { return bytes_.data() + bitsOffset_; }
 
     // The whole packed DIB: header, colour table, pixels.
-    const std::vector<uint8_t>& bytes() const { return bytes_; }
+    const DibBytes& bytes() const { return bytes_; }
     size_t bitsOffset() const { return bitsOffset_; }
 
     // Pixel at (x, y) from the top, as 0xAARRGGBB (alpha 255 unless the image is 32-bit).
@@ -103,7 +164,7 @@ private:
     void writeHeader();
     DibHeader header_;
     size_t bitsOffset_ = 0;
-    std::vector<uint8_t> bytes_;
+    DibBytes bytes_;
 };
 
 // Little-endian helpers used by the DIB and by every codec.

@@ -50,7 +50,7 @@ std::vector<uint8_t> RgbToBmpFile(const uint8_t* rgb, int width, int height) {
             to[3 * x + 2] = from[3 * x];
         }
     }
-    const std::vector<uint8_t>& packed = dib.bytes();
+    const DibBytes& packed = dib.bytes();
     std::vector<uint8_t> file(kBmpFileHeaderSize + packed.size());
     file[0] = 'B';
     file[1] = 'M';

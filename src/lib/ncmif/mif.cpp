@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <utility>
 
 #include "MifPixels.h"
 
@@ -24,6 +25,8 @@ bool mif::attachdib(PackedDib&& dib) {
 }
 
 PackedDib mif::createdib() const { return dib_; }
+
+PackedDib mif::detachdib() { return std::exchange(dib_, PackedDib{}); }
 
 bool mif::validaterect(const MifRect* rect, MifRect* clipped) const {
     MifRect r{0, 0, width(), height()};

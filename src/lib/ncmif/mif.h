@@ -110,6 +110,8 @@ public:
     bool attachdib(PackedDib&& dib);
     // A copy of the current image; empty when there is none.
     PackedDib createdib() const;
+    // The current image itself, given up without a copy; the mif is empty afterwards.
+    PackedDib detachdib();
 
     bool empty() const { return dib_.empty(); }
     int width() const { return dib_.width(); }

@@ -296,12 +296,7 @@ LRESULT CSlideFrame::OnImageLoaded(WPARAM wParam, LPARAM lParam) {
         if (image) GlobalFree(image);
         return 0;
     }
-    std::optional<PackedDib> picture;
-    if (image) {
-        picture = DibFromGlobal(image);
-        GlobalFree(image);
-    }
-    show_->OnLoaded(stamp, std::move(picture));
+    show_->OnLoaded(stamp, AdoptGlobal(image));
     return 0;
 }
 

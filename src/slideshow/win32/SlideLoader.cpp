@@ -14,7 +14,7 @@ std::optional<PackedDib> LoadSlidePicture(const std::wstring& path, SIZE screen)
 
 HGLOBAL CSlideLoader::Decode(const std::wstring& path) {
     std::optional<PackedDib> picture = LoadSlidePicture(path, screen_);
-    return picture ? DibToGlobal(*picture) : nullptr;
+    return picture ? ReleaseToGlobal(std::move(*picture)) : nullptr;
 }
 
 }  // namespace lx

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <optional>
+#include <vector>
+
 using lx::PackedDib;
 
 TEST(PackedDib, CreateLaysOutHeaderPaletteAndPaddedRows) {
@@ -67,4 +71,61 @@ TEST(PackedDib, PixelReadsEveryDepth) {
     PackedDib rgb24 = PackedDib::Create(1, 1, 24);
     rgb24.row(0)[0] = 1; rgb24.row(0)[1] = 2; rgb24.row(0)[2] = 3;
     EXPECT_EQ(rgb24.pixel(0, 0), 0xff030201u);
+}
+
+// Bytes laid out as Create lays them out are taken as they are, not copied; any other layout
+// is refused with the bytes left where they were, to be read through FromBytes.
+TEST(PackedDib, AdoptTakesOnlyTheCreateLayoutAndCopiesNothing) {
+    const struct {
+        const char* name;
+        int bitCount;
+        void (*change)(std::vector<uint8_t>&);
+        bool taken;
+    } cases[] = {
+        {"plain 24-bit", 24, [](std::vector<uint8_t>&) {}, true},
+        {"palette count left 0", 8, [](std::vector<uint8_t>& b) { lx::WriteLe32(b.data() + 32, 0); }, true},
+        {"spare bytes after the rows", 24, [](std::vector<uint8_t>& b) { b.resize(b.size() + 13, 0xee); }, true},
+        {"top-down rows", 24, [](std::vector<uint8_t>& b) { lx::WriteLe32(b.data() + 8, static_cast<uint32_t>(-3)); }, false},
+        {"a table after a 24-bit header", 24, [](std::vector<uint8_t>& b) { lx::WriteLe32(b.data() + 32, 1); }, false},
+        {"a larger header", 24, [](std::vector<uint8_t>& b) { lx::WriteLe32(b.data(), 52); }, false},
+        {"rows cut short", 24, [](std::vector<uint8_t>& b) { b.pop_back(); }, false},
+    };
+    for (const auto& c : cases) {
+        PackedDib source = PackedDib::Create(5, 3, c.bitCount);
+        source.row(0)[2] = 0x5a;
+        std::vector<uint8_t> bytes = source.bytes();
+        c.change(bytes);
+        lx::DibBytes block(bytes.size());
+        std::copy(bytes.begin(), bytes.end(), block.begin());
+        const uint8_t* address = block.data();
+        const std::optional<PackedDib> dib = PackedDib::Adopt(block);
+        ASSERT_EQ(dib.has_value(), c.taken) << c.name;
+        if (!c.taken) {
+            EXPECT_EQ(block.data(), address) << c.name;  // still the caller's
+            continue;
+        }
+        EXPECT_TRUE(block.empty()) << c.name;
+        EXPECT_EQ(dib->bytes().data(), address) << c.name;
+        EXPECT_TRUE(dib->bytes().owned()) << c.name;
+        EXPECT_EQ(dib->bytes(), source.bytes()) << c.name;  // header set right, spare bytes not counted
+        EXPECT_EQ(dib->row(0)[2], 0x5a) << c.name;
+    }
+}
+
+// A borrowed DIB reads the bytes in place and never frees them; copies of it are owned.
+TEST(PackedDib, BorrowLooksWithoutTakingAndItsCopiesOwnTheirBytes) {
+    PackedDib source = PackedDib::Create(4, 2, 24);
+    source.row(1)[0] = 9;
+    auto view = PackedDib::Borrow(source.bytes().data(), source.bytes().size());
+    ASSERT_TRUE(view);
+    EXPECT_EQ(view->bits(), source.bits());
+    EXPECT_FALSE(view->bytes().owned());
+    const PackedDib copy = *view;
+    EXPECT_TRUE(copy.bytes().owned());
+    EXPECT_NE(copy.bits(), source.bits());
+    EXPECT_EQ(copy.row(1)[0], 9);
+    EXPECT_EQ(view->release().release(), nullptr);  // nothing of its own to give up
+    std::vector<uint8_t> topDown = source.bytes();
+    lx::WriteLe32(topDown.data() + 8, static_cast<uint32_t>(-2));
+    EXPECT_FALSE(PackedDib::Borrow(topDown.data(), topDown.size()));
 }

@@ -1,7 +1,10 @@
 // Moving packed DIBs in and out of global memory blocks, the form in which Windows code
-// (clipboard, codec entry points, the image view control) passes them. The block returned by
-// DibToGlobal is owned by the caller and freed with GlobalFree; DibFromGlobal copies and
-// leaves the block to its owner.
+// (clipboard, codec entry points, the image view control, the loader's messages) passes them.
+//
+// A PackedDib's bytes are a fixed global memory block already (AllocateDibBlock), so the
+// hand-overs that give the DIB up, ReleaseToGlobal and AdoptGlobal, move the block and copy
+// nothing when its layout allows. DibToGlobal and DibFromGlobal copy and leave the source to
+// its owner.
 #pragma once
 
 #include <windows.h>
@@ -17,5 +20,17 @@ HGLOBAL DibToGlobal(const PackedDib& dib);
 
 // The DIB held by the block, checked against the block's size; nullopt when malformed.
 std::optional<PackedDib> DibFromGlobal(HGLOBAL block);
+
+// The DIB's own block, now the caller's to free with GlobalFree (null for an empty DIB).
+// A DIB that only borrows its bytes is copied into a new block.
+HGLOBAL ReleaseToGlobal(PackedDib&& dib);
+
+// The DIB held by the block, which it takes in every case: a fixed block laid out as a
+// PackedDib lays one out becomes the DIB's bytes as it is; any other is read into a new DIB
+// and freed. Nullopt (the block freed) when malformed.
+std::optional<PackedDib> AdoptGlobal(HGLOBAL block);
+
+// The block that holds the DIB's bytes, still the DIB's; null when it has none of its own.
+HGLOBAL GlobalOf(const PackedDib& dib);
 
 }  // namespace lx

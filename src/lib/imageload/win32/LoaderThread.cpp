@@ -41,7 +41,7 @@ void CLoaderThread::ClearPath() { std::wstring().swap(path_); }
 
 HGLOBAL CLoaderThread::Decode(const std::wstring& path) {
     std::optional<PackedDib> dib = LoadImageFile(path);
-    return dib ? DibToGlobal(*dib) : nullptr;
+    return dib ? ReleaseToGlobal(std::move(*dib)) : nullptr;
 }
 
 void CLoaderThread::Run() {
