@@ -40,7 +40,7 @@ private:
     HGLOBAL image_ = nullptr;
     int width_ = 0, height_ = 0;
     size_t bitsOffset_ = 0;
-    Bitmap reduced_;        // the area-averaged picture for reducedZoom_
+    PackedDib reduced_;     // the picture reduced for reducedZoom_
     int reducedZoom_ = 0;
     ZoomViewSettings settings_;
     int zoom_ = kZoomFull;
@@ -90,7 +90,7 @@ private:
         HGLOBAL previous = image_;
         image_ = nullptr;
         width_ = height_ = 0;
-        reduced_.reset();
+        reduced_ = PackedDib();
         reducedZoom_ = 0;
         if (auto incoming = reinterpret_cast<HGLOBAL>(lParam)) image_ = Adopt(incoming, wParam == 1);
         selection_ = ClipSelection(selection_, imageWidth(), imageHeight());
@@ -101,33 +101,55 @@ private:
 
     // The block the view keeps for `incoming`, taken (`take`) or only lent. Pixels are drawn
     // straight from it, so it must be laid out as PackedDib lays a DIB out (plain header,
-    // bottom-up); a taken block in any other layout (top-down, a larger header) is replaced
-    // by one that is, and a lent one is copied, so the caller may free it at once. The
-    // parsed DIB is only a passing check: one copy of the picture stays.
+    // bottom-up): a taken block that is is kept as it is, its header read in place; one in
+    // any other layout (top-down, a larger header) is replaced by one that is, and a lent one
+    // is copied, so the caller may free it at once. One copy of the picture stays.
     HGLOBAL Adopt(HGLOBAL incoming, bool take) {
-        const std::optional<PackedDib> dib = DibFromGlobal(incoming);
+        if (take && InPlace(incoming)) return incoming;
+        std::optional<PackedDib> dib = DibFromGlobal(incoming);
         if (!dib) return take ? incoming : nullptr;
-        if (take && HoldsExactly(incoming, *dib)) return Remember(*dib, incoming);
-        HGLOBAL own = DibToGlobal(*dib);
-        if (!own) return take ? incoming : nullptr;
+        Remember(*dib);
+        HGLOBAL own = ReleaseToGlobal(std::move(*dib));
+        if (!own) {
+            width_ = height_ = 0;
+            return take ? incoming : nullptr;
+        }
         if (take) GlobalFree(incoming);
-        return Remember(*dib, own);
+        return own;
     }
 
-    HGLOBAL Remember(const PackedDib& dib, HGLOBAL block) {
+    bool InPlace(HGLOBAL block) {
+        const auto* p = static_cast<const uint8_t*>(GlobalLock(block));
+        if (!p) return false;
+        const std::optional<PackedDib> view = PackedDib::Borrow(p, GlobalSize(block));
+        if (view) Remember(*view);
+        GlobalUnlock(block);
+        return view.has_value();
+    }
+
+    void Remember(const PackedDib& dib) {
         width_ = dib.width();
         height_ = dib.height();
-        bitsOffset_ = static_cast<size_t>(dib.bits() - dib.bytes().data());
-        return block;
+        bitsOffset_ = dib.bitsOffset();
     }
 
-    static bool HoldsExactly(HGLOBAL block, const PackedDib& dib) {
-        const auto& bytes = dib.bytes();
-        if (GlobalSize(block) < bytes.size()) return false;
-        const void* p = GlobalLock(block);
-        const bool same = p && std::memcmp(p, bytes.data(), bytes.size()) == 0;
-        if (p) GlobalUnlock(block);
-        return same;
+    // The picture at the current zoom below 100 %, reduced once per zoom from the block's
+    // own pixels (no copy of the full picture is made).
+    bool Reduce() {
+        if (reducedZoom_ == zoom_) return !reduced_.empty();
+        reduced_ = PackedDib();
+        reducedZoom_ = zoom_;
+        const auto* block = static_cast<const uint8_t*>(GlobalLock(image_));
+        if (!block) return false;
+        if (std::optional<PackedDib> picture = PackedDib::Borrow(block, GlobalSize(image_))) {
+            mif small;
+            small.attachdib(std::move(*picture));
+            if (small.zoom(static_cast<int>(ScaledExtent(imageWidth(), zoom_)),
+                           static_cast<int>(ScaledExtent(imageHeight(), zoom_)), kZoomHighQuality, 0))
+                reduced_ = small.detachdib();
+        }
+        GlobalUnlock(image_);
+        return !reduced_.empty();
     }
 
     LRESULT OnSetImage(WPARAM wParam, LPARAM lParam) { return TakeImage(wParam, lParam, false); }
@@ -284,8 +306,15 @@ private:
         info.nPage = static_cast<UINT>(std::max(page, 0));
         info.nPos = static_cast<int>(std::min(position, kScrollLimit));
         if (content <= page) info.nMax = 0, info.nPage = 0, info.nPos = 0;
-        SetScrollInfo(hwnd(), bar, &info, TRUE);
-        ShowScrollBar(hwnd(), bar, content > page);
+        // Each change of a bar redraws the window's frame, which is slow enough under some
+        // window systems to be felt when a picture arrives: bars are touched only to change.
+        SCROLLINFO now{sizeof(now), SIF_RANGE | SIF_PAGE | SIF_POS};
+        if (!GetScrollInfo(hwnd(), bar, &now) || now.nMin != info.nMin || now.nMax != info.nMax ||
+            now.nPage != info.nPage || now.nPos != info.nPos)
+            SetScrollInfo(hwnd(), bar, &info, TRUE);
+        const DWORD style = static_cast<DWORD>(GetWindowLongPtrW(hwnd(), GWL_STYLE));
+        const bool shown = (style & (bar == SB_HORZ ? WS_HSCROLL : WS_VSCROLL)) != 0;
+        if (shown != (content > page)) ShowScrollBar(hwnd(), bar, content > page);
     }
 
     LRESULT Scroll(int bar, WPARAM wParam) {
@@ -420,19 +449,17 @@ private:
     void DrawPicture(HDC target, const ViewMapping& map, const RECT& client) {
         if (!HasPicture()) return;
         if (zoom_ < kZoomFull) {
-            if (reducedZoom_ != zoom_) {
-                mif small(static_cast<void*>(image_));  // a passing copy, reduced in place
-                small.zoom(static_cast<int>(ScaledExtent(imageWidth(), zoom_)),
-                           static_cast<int>(ScaledExtent(imageHeight(), zoom_)), kZoomHighQuality, 0);
-                reduced_.reset(small.createbitmap(nullptr));
-                reducedZoom_ = reduced_ ? zoom_ : 0;
-            }
-            if (!reduced_) return;
-            MemoryDc source(target);
-            SelectScope select(source.get(), reduced_.get());
-            BitBlt(target, static_cast<int>(map.originX), static_cast<int>(map.originY),
-                   static_cast<int>(ScaledExtent(imageWidth(), zoom_)), static_cast<int>(ScaledExtent(imageHeight(), zoom_)),
-                   source.get(), static_cast<int>(map.scrollX), static_cast<int>(map.scrollY), SRCCOPY);
+            if (!Reduce()) return;
+            // The visible part, one reduced pixel to one screen pixel; DIB rows count from
+            // the bottom.
+            const int64_t width = std::min<int64_t>(reduced_.width() - map.scrollX, client.right - map.originX);
+            const int64_t height = std::min<int64_t>(reduced_.height() - map.scrollY, client.bottom - map.originY);
+            if (width <= 0 || height <= 0) return;
+            SetDIBitsToDevice(target, static_cast<int>(map.originX), static_cast<int>(map.originY), static_cast<DWORD>(width),
+                              static_cast<DWORD>(height), static_cast<int>(map.scrollX),
+                              static_cast<int>(reduced_.height() - map.scrollY - height), 0,
+                              static_cast<UINT>(reduced_.height()), reduced_.bits(),
+                              reinterpret_cast<const BITMAPINFO*>(reduced_.bytes().data()), DIB_RGB_COLORS);
             return;
         }
         const int64_t x0 = std::max<int64_t>(0, map.ToImageX(client.left));

@@ -404,6 +404,50 @@ TEST_F(ZoomViewTest, AfterAFitResizingFitsAgainWhenTheOptionAsks) {
     EXPECT_EQ(Send(kZvZoomCommand, kZoomWhole), 10000);
 }
 
+// Blocks come in either row order; the view shows both upright, reduced or not, and a
+// reduced picture larger than the view shows the part scrolled to.
+TEST_F(ZoomViewTest, TopDownAndBottomUpBlocksShowUprightAlsoReducedAndScrolled) {
+    const auto squares = [](int x, int y) { return Distinct(x / 32, y / 32); };  // flat 32 x 32 squares
+    const PackedDib dib = Picture(1200, 900, squares);
+    const struct {
+        bool topDown;
+        int zoom, scrollX, scrollY;
+    } cases[] = {{false, 1000, 0, 0}, {true, 1000, 0, 0}, {false, 500, 150, 100}, {true, 500, 150, 100},
+                 {true, 500, 200, 150}};
+    for (const auto& c : cases) {
+        HGLOBAL block = DibToGlobal(dib);
+        if (c.topDown) {
+            // The same rows stored top row first, the height negative.
+            auto* bytes = static_cast<uint8_t*>(GlobalLock(block));
+            WriteLe32(bytes + 8, static_cast<uint32_t>(-dib.height()));
+            for (int y = 0; y < dib.height(); ++y)
+                std::memcpy(bytes + dib.bitsOffset() + y * dib.stride(), dib.row(y), dib.stride());
+            GlobalUnlock(block);
+        }
+        if (HGLOBAL previous = reinterpret_cast<HGLOBAL>(Send(kZvSetImage, 1, reinterpret_cast<LPARAM>(block))))
+            GlobalFree(previous);
+        Send(kZvSetZoom, c.zoom);
+        ZoomViewSettings at{};
+        at.mask = kSettingsScroll;
+        at.scrollX = c.scrollX;
+        at.scrollY = c.scrollY;
+        Send(kZvApplySettings, 0, reinterpret_cast<LPARAM>(&at));
+        const Shot shot = Capture(view_);
+        const int scale = 1000 / c.zoom;
+        int wrong = 0, seen = 0;
+        // The centre of every square seen, where any reduction leaves the square's colour.
+        for (int y = 0; y < kViewHeight - 20; ++y)
+            for (int x = 0; x < kViewWidth - 20; ++x) {
+                const int ix = (x + c.scrollX) * scale, iy = (y + c.scrollY) * scale;
+                if (ix % 32 != 16 || iy % 32 != 16) continue;
+                ++seen;
+                wrong += shot.at(x, y) != squares(ix, iy);
+            }
+        EXPECT_GT(seen, 20);
+        EXPECT_EQ(wrong, 0) << c.topDown << " " << c.zoom << " " << c.scrollX;
+    }
+}
+
 // Windows counts GDI and USER objects and kernel handles; Wine reports 0 for those counts, so
 // there the private memory stands in: every picture, cached reduction and DIB section is
 // hundreds of kilobytes, and 200 lost ones would be over a hundred megabytes.
