@@ -1,9 +1,13 @@
 // The viewer's speed as a user meets it, through the DLL's imgRunW:
 //   decode   LoadImageFile of the photograph in this process (what the loader thread does)
-//   open     from the imgRunW call to the picture handed to the image view
+//   open     from the imgRunW call to the picture painted in the image view
 //   memory   the process's committed memory once the frame has listed a folder of N
 //            photographs, and again once its thumbnails are made (the process idle)
 // usage: viewer_open_bench DLL PHOTO FOLDER_FILE COUNT
+//        viewer_open_bench --peak open|decode DLL PHOTO
+// The second form, run in a fresh process, does one open (or one plain decode) and prints
+// how far the process's memory rose above what it held before: its peak committed and
+// resident megabytes.
 // Prints "name seconds" or "name megabytes" lines; run.sh turns them into ratios.
 #include <windows.h>
 #include <commctrl.h>
@@ -26,10 +30,15 @@ constexpr UINT kGetImage = 1711;
 
 double Seconds(Clock::time_point from) { return std::chrono::duration<double>(Clock::now() - from).count(); }
 
-double CommittedMegabytes() {
-    PROCESS_MEMORY_COUNTERS counters{sizeof counters};
-    K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
-    return counters.PagefileUsage / 1048576.0;
+struct Memory {
+    double committed, resident, peakCommitted, peakResident;
+};
+
+Memory MemoryNow() {
+    PROCESS_MEMORY_COUNTERS c{sizeof c};
+    K32GetProcessMemoryInfo(GetCurrentProcess(), &c, sizeof c);
+    constexpr double mb = 1048576.0;
+    return {c.PagefileUsage / mb, c.WorkingSetSize / mb, c.PeakPagefileUsage / mb, c.PeakWorkingSetSize / mb};
 }
 
 double BusySeconds() {
@@ -84,11 +93,37 @@ double RunViewer(HMODULE dll, const std::wstring& path, DWORD pollMs, Until unti
     return seconds;
 }
 
+// Until the view holds a picture and has painted it: the view's pending paint is done before
+// UpdateWindow, sent across threads, returns.
+bool PictureOnScreen(HWND frame) {
+    HWND view = ChildById(frame, 21);
+    if (!view || SendMessageW(view, kGetImage, 0, 0) == 0) return false;
+    UpdateWindow(view);
+    return true;
+}
+
+int Peak(const wchar_t* what, const wchar_t* dllPath, const std::wstring& photo) {
+    HMODULE dll = LoadLibraryW(dllPath);
+    if (!dll) return 3;
+    const Memory before = MemoryNow();
+    if (std::wstring(what) == L"decode") {
+        if (!lx::LoadImageFile(photo)) return 4;
+    } else if (RunViewer(dll, photo, 1, PictureOnScreen) < 0) {
+        return 5;
+    }
+    const Memory after = MemoryNow();
+    wprintf(L"peak_committed_mb %.1f\npeak_resident_mb %.1f\n", after.peakCommitted - before.committed,
+            after.peakResident - before.resident);
+    return 0;
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
+    if (argc == 5 && std::wstring(argv[1]) == L"--peak") return Peak(argv[2], argv[3], argv[4]);
     if (argc < 5) {
-        fwprintf(stderr, L"usage: viewer_open_bench DLL PHOTO FOLDER_FILE COUNT\n");
+        fwprintf(stderr, L"usage: viewer_open_bench DLL PHOTO FOLDER_FILE COUNT\n"
+                         L"       viewer_open_bench --peak open|decode DLL PHOTO\n");
         return 2;
     }
     HMODULE dll = LoadLibraryW(argv[1]);
@@ -101,21 +136,18 @@ int wmain(int argc, wchar_t** argv) {
         const Clock::time_point start = Clock::now();
         if (!lx::LoadImageFile(photo)) return 4;
         decode = std::min(decode, Seconds(start));
-        const double shown = RunViewer(dll, photo, 1, [](HWND frame) {
-            HWND view = ChildById(frame, 21);
-            return view && SendMessageW(view, kGetImage, 0, 0) != 0;
-        });
+        const double shown = RunViewer(dll, photo, 1, PictureOnScreen);
         if (shown < 0) return 5;
         open = std::min(open, shown);
     }
     wprintf(L"decode %.3f\nopen %.3f\n", decode, open);
 
-    const double before = CommittedMegabytes();
+    const double before = MemoryNow().committed;
     double listed = 0, settled = 0;
     RunViewer(dll, folderFile, 200, [&](HWND frame) {
         HWND list = ChildById(frame, 23);
         if (!list || SendMessageW(list, LVM_GETITEMCOUNT, 0, 0) < count) return false;
-        if (listed == 0) listed = CommittedMegabytes() - before;
+        if (listed == 0) listed = MemoryNow().committed - before;
         // Thumbnails are done when the process stops working: under 5 % of one processor
         // over a second.
         static double lastBusy = BusySeconds();
@@ -126,7 +158,7 @@ int wmain(int argc, wchar_t** argv) {
         lastBusy = busy;
         since = Clock::now();
         if (!idle) return false;
-        const double now = CommittedMegabytes();
+        const double now = MemoryNow().committed;
         settled = now - before;
         return true;
     });

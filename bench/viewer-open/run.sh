@@ -1,11 +1,15 @@
 #!/usr/bin/env bash
-# The viewer as a user meets it, under Wine through the built DLL (imgRunW):
-#   - time from Open to the picture in the view for a 24-megapixel JPEG, against the plain
-#     decode of the same file (the same system decoder in the same process, and libjpeg-turbo's
-#     djpeg natively, as references measured in the same run);
+# The viewer as a user meets it, under Wine through the built DLL (imgRunW), all in one run:
+#   - open-to-screen: from the imgRunW call to the picture painted in the view, for a
+#     24-megapixel JPEG, against the plain decode of the same file (LoadImageFile, what the
+#     loader thread runs, in the same process) and libjpeg-turbo's djpeg natively (one core);
+#     the same open of a tiny JPEG shows what the frame itself costs;
+#   - peak memory of the open, each in a fresh process: how far the process rose above what
+#     it held before, against the plain decode's peak and the picture's own size (the view
+#     should hold the pixels once, plus its reduced copy);
 #   - memory of the frame after it has listed a folder of N 12-megapixel JPEGs, and after
 #     their thumbnails are made.
-# Thumbnail speed itself is bench/viewer.
+# Times are the best of 3. Thumbnail speed itself is bench/viewer.
 #   bench/viewer-open/run.sh [files]
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
@@ -22,13 +26,16 @@ source scripts/wine-env.sh
 
 if [ ! -s "$work/photo24.jpg" ]; then
     echo "making the photographs ..."
-    convert -size 1500x1000 -seed 3 plasma:fractal -resize 6000x4000 -attenuate 0.4 +noise Gaussian \
+    /usr/bin/convert -size 1500x1000 -seed 3 plasma:fractal -resize 6000x4000 -attenuate 0.4 +noise Gaussian \
         -quality 90 "$work/photo24.jpg"
-    convert "$work/photo24.jpg" -resize 4000x3000 -quality 90 "$work/photo12.jpg"
+    /usr/bin/convert "$work/photo24.jpg" -resize 4000x3000 -quality 90 "$work/photo12.jpg"
 fi
 mkdir -p "$work/one" && cp "$work/photo24.jpg" "$work/one/photo.jpg"
 rm -rf "$work/folder" && mkdir -p "$work/folder"
 for i in $(seq 1 "$files"); do ln "$work/photo12.jpg" "$work/folder/p$i.jpg"; done
+
+/usr/bin/convert -size 64x48 gradient:red-blue -quality 90 "$work/tiny.jpg"
+mkdir -p "$work/small" && cp "$work/tiny.jpg" "$work/small/tiny.jpg"
 
 djpeg_best=""
 for _ in 1 2 3; do
@@ -37,16 +44,33 @@ for _ in 1 2 3; do
     if [ -z "$djpeg_best" ] || [ "$(echo "$t < $djpeg_best" | bc)" = 1 ]; then djpeg_best=$t; fi
 done
 
-out=$(scripts/with-display.sh wine build/windows/bench/viewer-open/viewer_open_bench.exe \
-      "$(winpath "$root/build/windows/src/module/lxpicture.dll")" "$(winpath "$work/one/photo.jpg")" \
-      "$(winpath "$work/folder/p1.jpg")" "$files" | tr -d '\r')
-get() { echo "$out" | awk -v k="$1" '$1 == k {print $2}'; }
-decode=$(get decode); open=$(get open)
-printf "%-44s %9s %8s\n" "measure (24 MP JPEG, best of 3)" seconds ratio
-printf "%-44s %9.3f %8.2f\n" "djpeg (libjpeg-turbo, native)" "$djpeg_best" 1
-printf "%-44s %9.3f %8.2f\n" "plain decode, system codec under Wine" "$decode" "$(echo "$decode / $djpeg_best" | bc -l)"
-printf "%-44s %9.3f %8.2f\n" "viewer: imgRunW to picture in the view" "$open" "$(echo "$open / $djpeg_best" | bc -l)"
-echo "open / plain decode: $(echo "$open / $decode" | bc -l | cut -c1-5)"
-echo "frame memory for $files photographs: $(get listed_mb) MB once listed, $(get thumbnails_mb) MB with thumbnails"
-echo "ratio column: seconds / djpeg's seconds (1 = as fast as djpeg)"
+bench=build/windows/bench/viewer-open/viewer_open_bench.exe
+dll=$(winpath "$root/build/windows/src/module/lxpicture.dll")
+run() { scripts/with-display.sh wine "$bench" "$@" | tr -d '\r'; }
+out=$(run "$dll" "$(winpath "$work/one/photo.jpg")" "$(winpath "$work/folder/p1.jpg")" "$files")
+tiny=$(run "$dll" "$(winpath "$work/small/tiny.jpg")" "$(winpath "$work/small/tiny.jpg")" 1)
+peak_open=$(run --peak open "$dll" "$(winpath "$work/one/photo.jpg")")
+peak_decode=$(run --peak decode "$dll" "$(winpath "$work/one/photo.jpg")")
+get() { echo "$2" | awk -v k="$1" '$1 == k {print $2}'; }
+ratio() { echo "$1 / $2" | bc -l | awk '{printf "%.2f", $1}'; }
+decode=$(get decode "$out"); open=$(get open "$out"); frame=$(get open "$tiny")
+dims=$(identify -format '%wx%h' "$work/one/photo.jpg")
+picture_mb=$(identify -format '%[fx:w*h*3/1048576]' "$work/one/photo.jpg")
+
+printf "%-52s %9s %8s\n" "time ($dims JPEG, best of 3)" seconds "/decode"
+printf "%-52s %9.3f %8s\n" "djpeg (libjpeg-turbo, native, one core)" "$djpeg_best" "$(ratio "$djpeg_best" "$decode")"
+printf "%-52s %9.3f %8s\n" "decode alone: LoadImageFile under Wine" "$decode" 1.00
+printf "%-52s %9.3f %8s\n" "open-to-screen: imgRunW to picture painted" "$open" "$(ratio "$open" "$decode")"
+printf "%-52s %9.3f %8s\n" "  the same for a 64 x 48 JPEG (the frame alone)" "$frame" "$(ratio "$frame" "$decode")"
+echo "open-to-screen / decode alone: $(ratio "$open" "$decode") (goal: at most 1.20)"
+echo
+printf "%-52s %9s %8s\n" "peak memory above the idle process (fresh process)" MB "/picture"
+printf "%-52s %9.1f %8s\n" "the picture's pixels, 24-bit" "$picture_mb" 1.00
+for k in committed resident; do
+    d=$(get "peak_${k}_mb" "$peak_decode"); o=$(get "peak_${k}_mb" "$peak_open")
+    printf "%-52s %9.1f %8s\n" "decode alone, $k" "$d" "$(ratio "$d" "$picture_mb")"
+    printf "%-52s %9.1f %8s\n" "open-to-screen, $k" "$o" "$(ratio "$o" "$picture_mb")"
+done
+echo
+echo "frame memory for $files photographs: $(get listed_mb "$out") MB once listed, $(get thumbnails_mb "$out") MB with thumbnails"
 echo "reproduce: bench/viewer-open/run.sh $files"
