@@ -76,13 +76,14 @@ CViewFrame::~CViewFrame() {
 HWND CViewFrame::Create(int showCmd) {
     if (!CreateToolFrameWindow(*this, kClassName, kFrameResource, commandBar_, accelerators_)) return nullptr;
     ShowWindow(hwnd(), showCmd);
-    UpdateWindow(hwnd());
     return hwnd();
 }
 
+// The first paint waits for the load to be started, so that it runs beside the decode.
 void CViewFrame::OpenStartup(const std::wstring& path) {
     if (!Open(path, true)) statusBar_.SetText(0, LoadResString(4088));
     UpdateCommandStates();
+    UpdateWindow(hwnd());
 }
 
 LRESULT CViewFrame::OnCreate(WPARAM, LPARAM) {
@@ -207,7 +208,7 @@ int CViewFrame::Open(const std::wstring& path, bool listFolder) {
     }
     currentPath_ = path;
     requestStamp_ = GetTickCount();
-    loader_.Start(requestStamp_, path);
+    thumbnailList_.HoldThumbnails(loader_.Start(requestStamp_, path));
     if (thumbnailList_.Find(path) >= 0 || !listFolder) return 1;
     thumbnailList_.List(path);
     return 1;
@@ -236,6 +237,7 @@ LRESULT CViewFrame::OnLoadCompleted(WPARAM wParam, LPARAM lParam) {
     if (busyAnimation_) busyAnimation_->Pause();
     UpdateWindow(hwnd());
     loader_.Stop();
+    thumbnailList_.HoldThumbnails(false);
     return 0;
 }
 

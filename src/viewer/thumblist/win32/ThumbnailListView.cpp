@@ -65,12 +65,14 @@ CThumbnaiListView::CThumbnaiListView() {
     listUpDone_ = RegisterWindowMessageW(L"lxi_listupdone");
     imageLoaded_ = RegisterWindowMessageW(L"lxi_imageloaded");
     getDragImage_ = RegisterWindowMessageW(L"ShellGetDragImage");
+    thumbnailsGo_ = CreateEventW(nullptr, TRUE, TRUE, nullptr);
 }
 
 CThumbnaiListView::~CThumbnaiListView() {
     if (hwnd_) DestroyWindow(hwnd_);
     Clear();
     if (gdiplusToken_) Gdiplus::GdiplusShutdown(gdiplusToken_);
+    if (thumbnailsGo_) CloseHandle(thumbnailsGo_);
 }
 
 bool CThumbnaiListView::Create(HWND parent, int id) {
@@ -221,6 +223,14 @@ void CThumbnaiListView::Clear() {
     currentIndex_ = 0;
 }
 
+void CThumbnaiListView::HoldThumbnails(bool hold) {
+    if (!thumbnailsGo_) return;
+    if (hold)
+        ResetEvent(thumbnailsGo_);
+    else
+        SetEvent(thumbnailsGo_);
+}
+
 void CThumbnaiListView::StartThread(bool enumerate, int thumbnailStart) {
     enumerate_ = enumerate;
     thumbnailStart_ = thumbnailStart;
@@ -304,6 +314,8 @@ void CThumbnaiListView::Enumerate(std::vector<std::unique_ptr<ViewerListItem>>& 
 void CThumbnaiListView::MakeThumbnails(int start) {
     // The window changes items_ only after stopping this thread, so reading it here is safe.
     for (int index : ThumbnailOrder(static_cast<int>(items_.size()), start)) {
+        const HANDLE events[] = {stopEvent_, thumbnailsGo_};
+        if (thumbnailsGo_ && WaitForMultipleObjects(2, events, FALSE, INFINITE) == WAIT_OBJECT_0) return;
         if (StopRequested()) return;
         ViewerListItem* item = items_[static_cast<size_t>(index)].get();
         if (item->thumbnail || (item->flags & kThumbnailFailed)) continue;

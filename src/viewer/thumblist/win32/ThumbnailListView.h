@@ -50,6 +50,10 @@ public:
     void List(const std::wstring& path);
     // Ends the listing thread, then removes and frees every item.
     void Clear();
+    // While held, the listing thread lists but makes no thumbnail: the frame holds them while
+    // the picture it shows is loading, so that a thumbnail (maybe of that very file) does not
+    // compete with it for the processor.
+    void HoldThumbnails(bool hold);
 
     // The index of the item whose path equals `path` (case-insensitively), selected and
     // scrolled into view; -1 when there is none.
@@ -97,6 +101,7 @@ private:
     std::wstring currentFile_, folder_;
     HANDLE thread_ = nullptr;
     HANDLE stopEvent_ = nullptr;
+    HANDLE thumbnailsGo_ = nullptr;  // manual-reset, set unless held
     bool enumerate_ = true;
     int thumbnailStart_ = 0;
     ImageList shadowImages_;
