@@ -64,13 +64,12 @@ printf "%-52s %9.3f %8s\n" "open-to-screen: imgRunW to picture painted" "$open" 
 printf "%-52s %9.3f %8s\n" "  the same for a 64 x 48 JPEG (the frame alone)" "$frame" "$(ratio "$frame" "$decode")"
 echo "open-to-screen / decode alone: $(ratio "$open" "$decode") (goal: at most 1.20)"
 echo
-printf "%-52s %9s %8s\n" "peak memory above the idle process (fresh process)" MB "/picture"
+printf "%-52s %9s %8s\n" "peak resident memory above the idle process" MB "/picture"
 printf "%-52s %9.1f %8s\n" "the picture's pixels, 24-bit" "$picture_mb" 1.00
-for k in committed resident; do
-    d=$(get "peak_${k}_mb" "$peak_decode"); o=$(get "peak_${k}_mb" "$peak_open")
-    printf "%-52s %9.1f %8s\n" "decode alone, $k" "$d" "$(ratio "$d" "$picture_mb")"
-    printf "%-52s %9.1f %8s\n" "open-to-screen, $k" "$o" "$(ratio "$o" "$picture_mb")"
-done
+# Resident memory: Wine reports no peak of committed memory.
+d=$(get peak_resident_mb "$peak_decode"); o=$(get peak_resident_mb "$peak_open")
+printf "%-52s %9.1f %8s\n" "decode alone (the system codec holds its own copy)" "$d" "$(ratio "$d" "$picture_mb")"
+printf "%-52s %9.1f %8s\n" "open-to-screen, until the picture is painted" "$o" "$(ratio "$o" "$picture_mb")"
 echo
 echo "frame memory for $files photographs: $(get listed_mb "$out") MB once listed, $(get thumbnails_mb "$out") MB with thumbnails"
 echo "reproduce: bench/viewer-open/run.sh $files"
