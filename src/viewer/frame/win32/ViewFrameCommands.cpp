@@ -3,6 +3,7 @@
 
 #include "CoreServices.h"
 #include "DialogHelpers.h"
+#include "DibGlobal.h"
 #include "FileOperations.h"
 #include "ImageClipboard.h"
 #include "ImagePrint.h"
@@ -191,7 +192,7 @@ void CViewFrame::Rotate(int code) {
     if (!shown) return;
     mif image(shown);
     if (!image.rotate(code)) return;
-    if (auto* rotated = static_cast<HGLOBAL>(image.createglobaldib())) ShowImage(rotated);
+    if (HGLOBAL rotated = ReleaseToGlobal(image.detachdib())) ShowImage(rotated);
 }
 
 void CViewFrame::SelectBySize() {
