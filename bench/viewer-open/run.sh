@@ -26,15 +26,15 @@ source scripts/wine-env.sh
 
 if [ ! -s "$work/photo24.jpg" ]; then
     echo "making the photographs ..."
-    /usr/bin/convert -size 1500x1000 -seed 3 plasma:fractal -resize 6000x4000 -attenuate 0.4 +noise Gaussian \
+    "$im_convert" -size 1500x1000 -seed 3 plasma:fractal -resize 6000x4000 -attenuate 0.4 +noise Gaussian \
         -quality 90 "$work/photo24.jpg"
-    /usr/bin/convert "$work/photo24.jpg" -resize 4000x3000 -quality 90 "$work/photo12.jpg"
+    "$im_convert" "$work/photo24.jpg" -resize 4000x3000 -quality 90 "$work/photo12.jpg"
 fi
 mkdir -p "$work/one" && cp "$work/photo24.jpg" "$work/one/photo.jpg"
 rm -rf "$work/folder" && mkdir -p "$work/folder"
 for i in $(seq 1 "$files"); do ln "$work/photo12.jpg" "$work/folder/p$i.jpg"; done
 
-/usr/bin/convert -size 64x48 gradient:red-blue -quality 90 "$work/tiny.jpg"
+"$im_convert" -size 64x48 gradient:red-blue -quality 90 "$work/tiny.jpg"
 mkdir -p "$work/small" && cp "$work/tiny.jpg" "$work/small/tiny.jpg"
 
 djpeg_best=""
