@@ -54,8 +54,8 @@ peak_decode=$(run --peak decode "$dll" "$(winpath "$work/one/photo.jpg")")
 get() { echo "$2" | awk -v k="$1" '$1 == k {print $2}'; }
 ratio() { echo "$1 / $2" | bc -l | awk '{printf "%.2f", $1}'; }
 decode=$(get decode "$out"); open=$(get open "$out"); frame=$(get open "$tiny")
-dims=$(identify -format '%wx%h' "$work/one/photo.jpg")
-picture_mb=$(identify -format '%[fx:w*h*3/1048576]' "$work/one/photo.jpg")
+dims=$("${im_convert%/*}/identify" -format '%wx%h' "$work/one/photo.jpg")
+picture_mb=$("${im_convert%/*}/identify" -format '%[fx:w*h*3/1048576]' "$work/one/photo.jpg")
 
 printf "%-52s %9s %8s\n" "time ($dims JPEG, best of 3)" seconds "/decode"
 printf "%-52s %9.3f %8s\n" "djpeg (libjpeg-turbo, native, one core)" "$djpeg_best" "$(ratio "$djpeg_best" "$decode")"
