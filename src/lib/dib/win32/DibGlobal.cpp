@@ -59,8 +59,4 @@ std::optional<PackedDib> AdoptGlobal(HGLOBAL block) {
     return dib;
 }
 
-HGLOBAL GlobalOf(const PackedDib& dib) {
-    return dib.bytes().owned() ? static_cast<HGLOBAL>(const_cast<uint8_t*>(dib.bytes().data())) : nullptr;
-}
-
 }  // namespace lx

@@ -30,7 +30,4 @@ HGLOBAL ReleaseToGlobal(PackedDib&& dib);
 // and freed. Nullopt (the block freed) when malformed.
 std::optional<PackedDib> AdoptGlobal(HGLOBAL block);
 
-// The block that holds the DIB's bytes, still the DIB's; null when it has none of its own.
-HGLOBAL GlobalOf(const PackedDib& dib);
-
 }  // namespace lx
