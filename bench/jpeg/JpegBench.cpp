@@ -1,37 +1,48 @@
 // Encodes a binary PPM file to JPEG the way cjpeg would be asked to:
-//   jpeg_bench [-quality N] [-optimize] [-progressive] [-smooth N] -outfile OUT IN.ppm
+//   jpeg_bench [-quality N] [-optimize] [-progressive] [-smooth N] [-threads N] -outfile OUT IN.ppm
 // and reports the time spent in the encoder alone on stderr.
 #include "JpegWriter.h"
+#include "ParallelParts.h"
+
+#include <tmmintrin.h>
 
 #include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <iterator>
-#include <string>
+#include <utility>
 #include <vector>
 
 namespace {
 
-lx::PackedDib ReadPpm(const char* path) {
-    std::ifstream in(path, std::ios::binary);
-    std::string magic;
-    int width = 0, height = 0, maxval = 0;
-    in >> magic >> width >> height >> maxval;
-    in.get();
-    if (magic != "P6" || maxval != 255) return {};
-    lx::PackedDib dib = lx::PackedDib::Create(width, height, 24);
-    std::vector<uint8_t> row(static_cast<size_t>(width) * 3);
-    for (int y = 0; y < height && !dib.empty(); ++y) {
-        in.read(reinterpret_cast<char*>(row.data()), static_cast<std::streamsize>(row.size()));
-        uint8_t* out = dib.row(y);
-        for (int x = 0; x < width; ++x) {
-            out[3 * x] = row[3 * x + 2];
-            out[3 * x + 1] = row[3 * x + 1];
-            out[3 * x + 2] = row[3 * x];
-        }
+// Red and blue swapped in place, five pixels (15 bytes) per step: the sixteenth byte of
+// each load is written back unchanged and read again by the next step.
+__attribute__((target("ssse3"))) void SwapRedBlue(uint8_t* p, int width) {
+    const __m128i order = _mm_setr_epi8(2, 1, 0, 5, 4, 3, 8, 7, 6, 11, 10, 9, 14, 13, 12, 15);
+    int x = 0;
+    for (; x + 6 <= width; x += 5) {
+        __m128i* at = reinterpret_cast<__m128i*>(p + 3 * x);
+        _mm_storeu_si128(at, _mm_shuffle_epi8(_mm_loadu_si128(at), order));
     }
-    return in ? std::move(dib) : lx::PackedDib();
+    for (; x < width; ++x) std::swap(p[3 * x], p[3 * x + 2]);
+}
+
+// The whole program's share, kept as small as cjpeg's own reading: rows go straight into
+// the DIB, which wants blue first.
+lx::PackedDib ReadPpm(const char* path) {
+    std::FILE* in = std::fopen(path, "rb");
+    if (!in) return {};
+    int width = 0, height = 0, maxval = 0;
+    const bool header = std::fscanf(in, "P6 %d %d %d", &width, &height, &maxval) == 3 && std::fgetc(in) != EOF;
+    lx::PackedDib dib;
+    if (header && maxval == 255 && width > 0 && height > 0) dib = lx::PackedDib::Create(width, height, 24);
+    const size_t rowBytes = static_cast<size_t>(width) * 3;
+    for (int y = 0; y < height && !dib.empty(); ++y) {
+        if (std::fread(dib.row(y), 1, rowBytes, in) != rowBytes) dib = lx::PackedDib();
+        else SwapRedBlue(dib.row(y), width);
+    }
+    std::fclose(in);
+    return dib;
 }
 
 }  // namespace
@@ -43,13 +54,14 @@ int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         if (!std::strcmp(argv[i], "-quality") && i + 1 < argc) record.quality = std::atoi(argv[++i]);
         else if (!std::strcmp(argv[i], "-smooth") && i + 1 < argc) record.smoothing = std::atoi(argv[++i]);
+        else if (!std::strcmp(argv[i], "-threads") && i + 1 < argc) lx::LimitPartThreads(std::atoi(argv[++i]));
         else if (!std::strcmp(argv[i], "-optimize")) record.optimizeHuffman = 1;
         else if (!std::strcmp(argv[i], "-progressive")) record.progressive = 1;
         else if (!std::strcmp(argv[i], "-outfile") && i + 1 < argc) output = argv[++i];
         else input = argv[i];
     }
     if (!input || !output) {
-        std::fprintf(stderr, "usage: jpeg_bench [-quality N] [-optimize] [-progressive] [-smooth N] -outfile OUT IN.ppm\n");
+        std::fprintf(stderr, "usage: jpeg_bench [-quality N] [-optimize] [-progressive] [-smooth N] [-threads N] -outfile OUT IN.ppm\n");
         return 2;
     }
     const lx::PackedDib dib = ReadPpm(input);

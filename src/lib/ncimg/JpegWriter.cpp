@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <thread>
 
 namespace lx {
 namespace {
@@ -17,7 +16,7 @@ constexpr int kMaxParts = 16;
 // falls behind holds up little), run in parallel. The output does not depend on the split.
 template <class Fn>
 int ForEachPartOf(int count, int minPerPart, Fn fn) {
-    const int cores = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+    const int cores = PartThreads();
     return ForEachPart(count, std::clamp(count / std::max(minPerPart, 1), 1, std::min(kMaxParts, 4 * cores)), fn);
 }
 
