@@ -15,14 +15,26 @@
 
 namespace {
 
-// Red and blue swapped in place, five pixels (15 bytes) per step: the sixteenth byte of
-// each load is written back unchanged and read again by the next step.
+// Red and blue swapped in place, 16 pixels (three vectors) per step: each output vector
+// gathers its bytes from the input vectors it overlaps, one byte shuffle each.
 __attribute__((target("ssse3"))) void SwapRedBlue(uint8_t* p, int width) {
-    const __m128i order = _mm_setr_epi8(2, 1, 0, 5, 4, 3, 8, 7, 6, 11, 10, 9, 14, 13, 12, 15);
+    alignas(16) int8_t masks[3][3][16];
+    for (int out = 0; out < 3; ++out)
+        for (int in = 0; in < 3; ++in)
+            for (int k = 0; k < 16; ++k) {
+                const int i = 16 * out + k, from = i - i % 3 + 2 - i % 3 - 16 * in;
+                masks[out][in][k] = static_cast<int8_t>(from >= 0 && from < 16 ? from : -128);
+            }
     int x = 0;
-    for (; x + 6 <= width; x += 5) {
+    for (; x + 16 <= width; x += 16) {
         __m128i* at = reinterpret_cast<__m128i*>(p + 3 * x);
-        _mm_storeu_si128(at, _mm_shuffle_epi8(_mm_loadu_si128(at), order));
+        const __m128i in[3] = {_mm_loadu_si128(at), _mm_loadu_si128(at + 1), _mm_loadu_si128(at + 2)};
+        for (int out = 0; out < 3; ++out) {
+            __m128i v = _mm_setzero_si128();
+            for (int i = 0; i < 3; ++i)
+                v = _mm_or_si128(v, _mm_shuffle_epi8(in[i], _mm_load_si128(reinterpret_cast<const __m128i*>(masks[out][i]))));
+            _mm_storeu_si128(at + out, v);
+        }
     }
     for (; x < width; ++x) std::swap(p[3 * x], p[3 * x + 2]);
 }
