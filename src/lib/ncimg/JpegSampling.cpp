@@ -4,7 +4,10 @@
 #include <cstring>
 #include <utility>
 
-#if defined(__SSE2__)
+#if defined(__x86_64__)
+#include <immintrin.h>
+#define LX_JPEG_AVX2 1
+#elif defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 
@@ -126,6 +129,86 @@ inline void ConvertSquares(const __m128i (&top)[2], const __m128i (&bottom)[2], 
 }
 #endif
 
+#if defined(LX_JPEG_AVX2)
+// Eight pixels as 32-bit lanes (blue, green, red, then zero or whatever byte follows).
+template <int kPixelBytes>
+__attribute__((target("avx2"), always_inline)) inline __m256i LoadEight(const uint8_t* p) {
+    if constexpr (kPixelBytes == 4) {
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+    } else {
+        const __m256i both = _mm256_inserti128_si256(
+            _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))),
+            _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 12)), 1);
+        const __m256i spread = _mm256_setr_epi8(0, 1, 2, -128, 3, 4, 5, -128, 6, 7, 8, -128, 9, 10, 11, -128,
+                                                0, 1, 2, -128, 3, 4, 5, -128, 6, 7, 8, -128, 9, 10, 11, -128);
+        return _mm256_shuffle_epi8(both, spread);
+    }
+}
+
+struct Weights8 {
+    __m256i br, g, offset;
+};
+__attribute__((target("avx2"))) inline Weights8 MakeWeights8(int32_t wb, int32_t wr, int32_t wg, int32_t offset) {
+    return {_mm256_set1_epi32(static_cast<int32_t>((static_cast<uint32_t>(wr) << 16) | (wb & 0xffff))),
+            _mm256_set1_epi32(wg & 0xffff), _mm256_set1_epi32(offset)};
+}
+
+__attribute__((target("avx2"), always_inline)) inline __m256i Weigh8(__m256i br, __m256i gx, const Weights8& w,
+                                                                      int shift) {
+    const __m256i sum = _mm256_add_epi32(_mm256_madd_epi16(br, w.br), _mm256_madd_epi16(gx, w.g));
+    return _mm256_srai_epi32(_mm256_add_epi32(sum, w.offset), shift);
+}
+
+// Sixteen 32-bit results (two registers in order) stored as bytes.
+__attribute__((target("avx2"), always_inline)) inline void StoreSixteen(uint8_t* out, __m256i lo, __m256i hi) {
+    const __m256i words = _mm256_permute4x64_epi64(_mm256_packs_epi32(lo, hi), 0xd8);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out),
+                     _mm_packus_epi16(_mm256_castsi256_si128(words), _mm256_extracti128_si256(words, 1)));
+}
+
+// Eight 32-bit results stored as bytes.
+__attribute__((target("avx2"), always_inline)) inline void StoreEight8(uint8_t* out, __m256i v) {
+    const __m128i words = _mm_packs_epi32(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(words, words));
+}
+
+// The four-lane path's arithmetic on sixteen pixels of each row at a time; returns the
+// first column left for it.
+template <int kPixelBytes>
+__attribute__((target("avx2"))) int ConvertPixelPairsAvx2(const uint8_t* top, const uint8_t* bottom, int width,
+                                                          uint8_t* yTop, uint8_t* yBottom, uint8_t* cb, uint8_t* cr) {
+    constexpr int kReadBeyond = kPixelBytes == 3 ? 2 : 0;
+    const __m256i bytes = _mm256_set1_epi32(0x00ff00ff);
+    const Weights8 luma = MakeWeights8(kYb, kYr, kYg, kYOffset);
+    const Weights8 blue = MakeWeights8(kCbB, kCbR, kCbG, kSquareChromaOffset);
+    const Weights8 red = MakeWeights8(kCrB, kCrR, kCrG, kSquareChromaOffset);
+    int x = 0;
+    for (; x + 16 + kReadBeyond <= width; x += 16) {
+        const size_t at = static_cast<size_t>(x) * kPixelBytes;
+        __m256i br[2][2], gx[2][2];  // [row][half]
+        for (int row = 0; row < 2; ++row) {
+            const uint8_t* p = (row == 0 ? top : bottom) + at;
+            for (int h = 0; h < 2; ++h) {
+                const __m256i v = LoadEight<kPixelBytes>(p + 8 * h * kPixelBytes);
+                br[row][h] = _mm256_and_si256(v, bytes);
+                gx[row][h] = _mm256_and_si256(_mm256_srli_epi32(v, 8), bytes);
+            }
+            StoreSixteen(row == 0 ? yTop + x : yBottom + x, Weigh8(br[row][0], gx[row][0], luma, kShift),
+                         Weigh8(br[row][1], gx[row][1], luma, kShift));
+        }
+        // Sums of each 2x2 square; the pairwise add leaves the squares in the order 0 1 4 5
+        // 2 3 6 7, which the permute puts right.
+        const __m256i brSquares = _mm256_permute4x64_epi64(
+            _mm256_hadd_epi32(_mm256_add_epi32(br[0][0], br[1][0]), _mm256_add_epi32(br[0][1], br[1][1])), 0xd8);
+        const __m256i gxSquares = _mm256_permute4x64_epi64(
+            _mm256_hadd_epi32(_mm256_add_epi32(gx[0][0], gx[1][0]), _mm256_add_epi32(gx[0][1], gx[1][1])), 0xd8);
+        StoreEight8(cb + x / 2, Weigh8(brSquares, gxSquares, blue, kShift + 2));
+        StoreEight8(cr + x / 2, Weigh8(brSquares, gxSquares, red, kShift + 2));
+    }
+    return x;
+}
+#endif
+
 inline uint8_t LumaOf(const uint8_t* p) {
     return static_cast<uint8_t>((kYr * p[2] + kYg * p[1] + kYb * p[0] + kYOffset) >> kShift);
 }
@@ -139,11 +222,14 @@ inline void ConvertSquare(const uint8_t* a, const uint8_t* b, const uint8_t* c, 
 
 template <int kPixelBytes>
 void ConvertPixelPairs(const uint8_t* top, const uint8_t* bottom, int width, uint8_t* yTop, uint8_t* yBottom,
-                       uint8_t* cb, uint8_t* cr) {
+                       uint8_t* cb, uint8_t* cr, JpegSimd simd) {
     int x = 0;
+#if defined(LX_JPEG_AVX2)
+    if (simd == JpegSimd::Avx2) x = ConvertPixelPairsAvx2<kPixelBytes>(top, bottom, width, yTop, yBottom, cb, cr);
+#endif
 #if defined(__SSE2__)
     constexpr int kReadBeyond = kPixelBytes == 3 ? 2 : 0;
-    for (; x + 8 + kReadBeyond <= width; x += 8) {
+    for (; x + 8 + kReadBeyond <= width; x += 8) {  // x a multiple of 8, so squares stay whole
         const size_t at = static_cast<size_t>(x) * kPixelBytes;
         const __m128i t[2] = {LoadFour<kPixelBytes>(top + at), LoadFour<kPixelBytes>(top + at + 4 * kPixelBytes)};
         const __m128i b[2] = {LoadFour<kPixelBytes>(bottom + at), LoadFour<kPixelBytes>(bottom + at + 4 * kPixelBytes)};
@@ -191,11 +277,11 @@ void ConvertRowToYcc(const uint8_t* bgr, int pixelBytes, int width, int paddedWi
 }
 
 void ConvertRowPairTo420(const uint8_t* top, const uint8_t* bottom, int pixelBytes, int width, int paddedWidth,
-                         uint8_t* yTop, uint8_t* yBottom, uint8_t* cb, uint8_t* cr) {
+                         uint8_t* yTop, uint8_t* yBottom, uint8_t* cb, uint8_t* cr, JpegSimd simd) {
     if (pixelBytes == 4)
-        ConvertPixelPairs<4>(top, bottom, width, yTop, yBottom, cb, cr);
+        ConvertPixelPairs<4>(top, bottom, width, yTop, yBottom, cb, cr, simd);
     else
-        ConvertPixelPairs<3>(top, bottom, width, yTop, yBottom, cb, cr);
+        ConvertPixelPairs<3>(top, bottom, width, yTop, yBottom, cb, cr, simd);
     std::fill(yTop + width, yTop + paddedWidth, yTop[width - 1]);
     std::fill(yBottom + width, yBottom + paddedWidth, yBottom[width - 1]);
     const int halfWidth = (width + 1) / 2;

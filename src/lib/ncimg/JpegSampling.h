@@ -9,6 +9,8 @@
 // beyond either end repeat the edge sample.
 #pragma once
 
+#include "JpegSimd.h"
+
 #include <cstdint>
 
 namespace lx {
@@ -23,7 +25,8 @@ void ConvertRowToYcc(const uint8_t* bgr, int pixelBytes, int width, int paddedWi
 // four pixels' chroma, rounded once). An odd last column pairs with itself. Luma is padded
 // to `paddedWidth` and chroma to half that by repeating the last sample.
 void ConvertRowPairTo420(const uint8_t* top, const uint8_t* bottom, int pixelBytes, int width, int paddedWidth,
-                         uint8_t* yTop, uint8_t* yBottom, uint8_t* cb, uint8_t* cr);
+                         uint8_t* yTop, uint8_t* yBottom, uint8_t* cb, uint8_t* cr,
+                         JpegSimd simd = BestJpegSimd());
 
 // One full-resolution row of the smoothing filter.
 void SmoothRow(const uint8_t* above, const uint8_t* row, const uint8_t* below, int width,
