@@ -188,6 +188,7 @@ __attribute__((target("avx2"))) int ConvertPixelPairsAvx2(const uint8_t* top, co
         __m256i br[2][2], gx[2][2];  // [row][half]
         for (int row = 0; row < 2; ++row) {
             const uint8_t* p = (row == 0 ? top : bottom) + at;
+            _mm_prefetch(reinterpret_cast<const char*>(p + 512), _MM_HINT_T0);
             for (int h = 0; h < 2; ++h) {
                 const __m256i v = LoadEight<kPixelBytes>(p + 8 * h * kPixelBytes);
                 br[row][h] = _mm256_and_si256(v, bytes);

@@ -140,6 +140,8 @@ void JoinParts(std::vector<uint8_t>& out, std::vector<BitStream>& parts, int cou
 // The sequential scan with the example tables. Nothing needs the whole image's
 // coefficients, so each part codes every MCU row right after transforming it; a part
 // that starts mid-image first transforms the row before it to learn the DC predictors.
+// The first part's bytes go out row by row as they are coded; the others are held and
+// joined on behind them.
 void PutStandardScan(std::vector<uint8_t>& out, const JpegFrame& frame, const SampleSource& source) {
     HuffmanSpec dc[2], ac[2];
     for (int s = 0; s < 2; ++s) {
@@ -155,18 +157,19 @@ void PutStandardScan(std::vector<uint8_t>& out, const JpegFrame& frame, const Sa
         if (begin > 0) {
             maker.make(begin - 1);
             predictors = PredictorsAfterRow(rows, begin - 1);
+            partBits[part].reserveBytes(static_cast<size_t>(end - begin) * frame.mcusAcross * 64);
         }
-        partBits[part].reserveBytes(static_cast<size_t>(end - begin) * frame.mcusAcross * 64);
         for (int row = begin; row < end; ++row) {
             maker.make(row);
             EncodeSequential(rows, row, row + 1, predictors, codes, partBits[part]);
+            if (begin == 0) partBits[part].drainStuffed(out);
         }
     });
     JoinParts(out, partBits, parts);
 }
 
 // The sequential scan with tables made for this image: count in parallel parts, build
-// the tables, then code in the same parts.
+// the tables, then code in the same parts, the first one straight out as above.
 void PutOptimizedScan(std::vector<uint8_t>& out, const JpegFrame& frame) {
     std::vector<ScanCounts> partCounts(kMaxParts);
     const int parts = ForEachPartOf(frame.mcusDown, 8, [&](int begin, int end, int part) {
@@ -183,7 +186,10 @@ void PutOptimizedScan(std::vector<uint8_t>& out, const JpegFrame& frame) {
     std::vector<BitStream> partBits(kMaxParts);
     ForEachPartOf(frame.mcusDown, 8, [&](int begin, int end, int part) {
         DcPredictors predictors = begin > 0 ? PredictorsAfterRow(frame, begin - 1) : DcPredictors();
-        EncodeSequential(frame, begin, end, predictors, codes, partBits[part]);
+        for (int row = begin; row < end; ++row) {
+            EncodeSequential(frame, row, row + 1, predictors, codes, partBits[part]);
+            if (begin == 0) partBits[part].drainStuffed(out);
+        }
     });
     JoinParts(out, partBits, parts);
 }
