@@ -208,6 +208,90 @@ __attribute__((target("avx2"))) int ConvertPixelPairsAvx2(const uint8_t* top, co
     }
     return x;
 }
+// Full-resolution conversion, sixteen pixels at a time; returns the first pixel left.
+template <int kPixelBytes>
+__attribute__((target("avx2"))) int ConvertPixelsAvx2(const uint8_t* bgr, int width, uint8_t* y, uint8_t* cb,
+                                                      uint8_t* cr) {
+    constexpr int kReadBeyond = kPixelBytes == 3 ? 2 : 0;
+    const __m256i bytes = _mm256_set1_epi32(0x00ff00ff);
+    const Weights8 weights[3] = {MakeWeights8(kYb, kYr, kYg, kYOffset), MakeWeights8(kCbB, kCbR, kCbG, kChromaOffset),
+                                 MakeWeights8(kCrB, kCrR, kCrG, kChromaOffset)};
+    uint8_t* const out[3] = {y, cb, cr};
+    int x = 0;
+    for (; x + 16 + kReadBeyond <= width; x += 16) {
+        const uint8_t* p = bgr + static_cast<size_t>(x) * kPixelBytes;
+        _mm_prefetch(reinterpret_cast<const char*>(p + 512), _MM_HINT_T0);
+        __m256i br[2], gx[2];
+        for (int h = 0; h < 2; ++h) {
+            const __m256i v = LoadEight<kPixelBytes>(p + 8 * h * kPixelBytes);
+            br[h] = _mm256_and_si256(v, bytes);
+            gx[h] = _mm256_and_si256(_mm256_srli_epi32(v, 8), bytes);
+        }
+        for (int c = 0; c < 3; ++c)
+            StoreSixteen(out[c] + x, Weigh8(br[0], gx[0], weights[c], kShift), Weigh8(br[1], gx[1], weights[c], kShift));
+    }
+    return x;
+}
+
+// Sixteen samples widened to 16 bits.
+__attribute__((target("avx2"), always_inline)) inline __m256i Widen16(const uint8_t* p) {
+    return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+}
+
+// The smoothing filter on sixteen samples at a time, from column 1 on while both
+// neighbours lie inside the row; returns the first column left. The scalar sum row * own +
+// ring * neighbour equals row * 65536 + 64 * smoothing * (ring - 8 * row), so each output is
+// its sample plus that product rounded, which the product's 16-bit halves give exactly.
+__attribute__((target("avx2"))) int SmoothRowAvx2(const uint8_t* above, const uint8_t* row, const uint8_t* below,
+                                                  int width, int smoothing, uint8_t* out) {
+    const __m256i weight = _mm256_set1_epi16(static_cast<int16_t>(smoothing * 64));
+    int x = 1;
+    for (; x + 17 <= width; x += 16) {
+        const __m256i centre = Widen16(row + x);
+        __m256i ring = _mm256_add_epi16(Widen16(row + x - 1), Widen16(row + x + 1));
+        for (const uint8_t* r : {above, below})
+            ring = _mm256_add_epi16(ring, _mm256_add_epi16(_mm256_add_epi16(Widen16(r + x - 1), Widen16(r + x)),
+                                                           Widen16(r + x + 1)));
+        const __m256i d = _mm256_sub_epi16(ring, _mm256_slli_epi16(centre, 3));
+        const __m256i rounded = _mm256_add_epi16(_mm256_mulhi_epi16(d, weight),
+                                                 _mm256_srli_epi16(_mm256_mullo_epi16(d, weight), 15));
+        const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(_mm256_add_epi16(centre, rounded), centre), 0xd8);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x), _mm256_castsi256_si128(bytes));
+    }
+    return x;
+}
+
+__attribute__((target("avx2"), always_inline)) inline __m256i SumOfRows(const uint8_t* a, const uint8_t* b, int at) {
+    return _mm256_add_epi16(Widen16(a + at), Widen16(b + at));
+}
+
+// Smoothing with downsampling, eight outputs at a time from output 1 on while every input
+// column read lies inside the row; returns the first output left. Per input column the
+// sums of the two rows inside the square (t) and of the two outside it (o) are added in
+// pairs: those of the square's own columns, and those of the columns left and right of it.
+__attribute__((target("avx2"))) int SmoothDownsampleRowAvx2(const uint8_t* above, const uint8_t* top,
+                                                            const uint8_t* bottom, const uint8_t* below, int outWidth,
+                                                            int smoothing, uint8_t* out) {
+    const __m256i both = _mm256_set1_epi16(1), leftOne = _mm256_set1_epi32(1), rightOne = _mm256_set1_epi32(1 << 16);
+    const __m256i own = _mm256_set1_epi32(16384 - smoothing * 80), quarter = _mm256_set1_epi32(smoothing * 16);
+    const __m256i half = _mm256_set1_epi32(kHalf);
+    int x = 1;
+    for (; 2 * x + 17 <= 2 * outWidth; x += 8) {
+        const int a = 2 * x;
+        const __m256i members = _mm256_madd_epi16(SumOfRows(top, bottom, a), both);
+        const __m256i sides = _mm256_madd_epi16(SumOfRows(above, below, a), both);  // above and below the square
+        const __m256i leftRight =
+            _mm256_add_epi32(_mm256_madd_epi16(SumOfRows(top, bottom, a - 1), leftOne), _mm256_madd_epi16(SumOfRows(top, bottom, a + 1), rightOne));
+        const __m256i corners =
+            _mm256_add_epi32(_mm256_madd_epi16(SumOfRows(above, below, a - 1), leftOne), _mm256_madd_epi16(SumOfRows(above, below, a + 1), rightOne));
+        const __m256i ring =
+            _mm256_add_epi32(_mm256_slli_epi32(_mm256_add_epi32(sides, leftRight), 1), corners);
+        const __m256i sum = _mm256_add_epi32(_mm256_add_epi32(_mm256_mullo_epi32(members, own),
+                                                              _mm256_mullo_epi32(ring, quarter)), half);
+        StoreEight8(out + x, _mm256_srai_epi32(sum, 16));
+    }
+    return x;
+}
 #endif
 
 inline uint8_t LumaOf(const uint8_t* p) {
@@ -250,8 +334,11 @@ void ConvertPixelPairs(const uint8_t* top, const uint8_t* bottom, int width, uin
 }
 
 template <int kPixelBytes>
-void ConvertPixels(const uint8_t* bgr, int width, uint8_t* y, uint8_t* cb, uint8_t* cr) {
+void ConvertPixels(const uint8_t* bgr, int width, uint8_t* y, uint8_t* cb, uint8_t* cr, JpegSimd simd) {
     int x = 0;
+#if defined(LX_JPEG_AVX2)
+    if (simd == JpegSimd::Avx2) x = ConvertPixelsAvx2<kPixelBytes>(bgr, width, y, cb, cr);
+#endif
 #if defined(__SSE2__)
     // Each group reads a little past its last pixel, so the last few pixels of the row
     // go the scalar way.
@@ -267,11 +354,11 @@ void ConvertPixels(const uint8_t* bgr, int width, uint8_t* y, uint8_t* cb, uint8
 }  // namespace
 
 void ConvertRowToYcc(const uint8_t* bgr, int pixelBytes, int width, int paddedWidth, uint8_t* y,
-                     uint8_t* cb, uint8_t* cr) {
+                     uint8_t* cb, uint8_t* cr, JpegSimd simd) {
     if (pixelBytes == 4)
-        ConvertPixels<4>(bgr, width, y, cb, cr);
+        ConvertPixels<4>(bgr, width, y, cb, cr, simd);
     else
-        ConvertPixels<3>(bgr, width, y, cb, cr);
+        ConvertPixels<3>(bgr, width, y, cb, cr, simd);
     std::fill(y + width, y + paddedWidth, y[width - 1]);
     std::fill(cb + width, cb + paddedWidth, cb[width - 1]);
     std::fill(cr + width, cr + paddedWidth, cr[width - 1]);
@@ -291,31 +378,47 @@ void ConvertRowPairTo420(const uint8_t* top, const uint8_t* bottom, int pixelByt
 }
 
 void SmoothRow(const uint8_t* above, const uint8_t* row, const uint8_t* below, int width,
-               int smoothing, uint8_t* out) {
+               int smoothing, uint8_t* out, JpegSimd simd) {
     const int32_t own = 65536 - smoothing * 512;  // (1 - 8 SF) in 16.16
     const int32_t neighbour = smoothing * 64;     // SF in 16.16
     auto column = [&](int x) { return above[x] + row[x] + below[x]; };
-    for (int x = 0; x < width; ++x) {
+    auto smooth = [&](int x) {
         const int left = std::max(x - 1, 0), right = std::min(x + 1, width - 1);
         const int32_t ring = column(left) + column(x) + column(right) - row[x];
         out[x] = static_cast<uint8_t>((row[x] * own + ring * neighbour + kHalf) >> 16);
+    };
+    int x = 0;
+#if defined(LX_JPEG_AVX2)
+    if (simd == JpegSimd::Avx2 && width > 1) {
+        smooth(0);
+        x = SmoothRowAvx2(above, row, below, width, smoothing, out);
     }
+#endif
+    for (; x < width; ++x) smooth(x);
 }
 
 void SmoothDownsampleRow(const uint8_t* above, const uint8_t* top, const uint8_t* bottom,
-                         const uint8_t* below, int outWidth, int smoothing, uint8_t* out) {
+                         const uint8_t* below, int outWidth, int smoothing, uint8_t* out, JpegSimd simd) {
     // Averaging four smoothed samples: each of the four keeps (1 - 5 SF) / 4, each
     // neighbour sharing an edge with the square counts SF / 2 and each corner SF / 4.
     const int32_t own = 16384 - smoothing * 80;
     const int32_t quarter = smoothing * 16;
     const int last = 2 * outWidth - 1;
-    for (int x = 0; x < outWidth; ++x) {
+    auto smooth = [&](int x) {
         const int l = std::max(2 * x - 1, 0), a = 2 * x, b = 2 * x + 1, r = std::min(2 * x + 2, last);
         const int32_t members = top[a] + top[b] + bottom[a] + bottom[b];
         const int32_t edges = above[a] + above[b] + below[a] + below[b] + top[l] + bottom[l] + top[r] + bottom[r];
         const int32_t corners = above[l] + above[r] + below[l] + below[r];
         out[x] = static_cast<uint8_t>((members * own + (2 * edges + corners) * quarter + kHalf) >> 16);
+    };
+    int x = 0;
+#if defined(LX_JPEG_AVX2)
+    if (simd == JpegSimd::Avx2 && outWidth > 1) {
+        smooth(0);
+        x = SmoothDownsampleRowAvx2(above, top, bottom, below, outWidth, smoothing, out);
     }
+#endif
+    for (; x < outWidth; ++x) smooth(x);
 }
 
 }  // namespace lx

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "JpegHuffman.h"
+#include "JpegSimd.h"
 
 #include <cstdint>
 #include <vector>
@@ -64,7 +65,7 @@ DcPredictors PredictorsAfterRow(const JpegFrame& frame, int row);
 // there are several.
 void CountSequential(const JpegFrame& frame, int rowBegin, int rowEnd, DcPredictors& predictors, ScanCounts& counts);
 void EncodeSequential(const JpegFrame& frame, int rowBegin, int rowEnd, DcPredictors& predictors,
-                      const ScanCodes& codes, BitStream& out);
+                      const ScanCodes& codes, BitStream& out, JpegSimd simd = BestJpegSimd());
 
 // One scan of a progressive frame.
 struct ProgressiveScan {

@@ -4,7 +4,11 @@ namespace lx {
 
 JpegSimd BestJpegSimd() {
 #if defined(__x86_64__)
-    static const JpegSimd best = __builtin_cpu_supports("avx2") ? JpegSimd::Avx2 : JpegSimd::Baseline;
+    // Every processor with AVX2 so far has BMI1 and BMI2 too; asked anyway.
+    static const JpegSimd best =
+        __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2")
+            ? JpegSimd::Avx2
+            : JpegSimd::Baseline;
     return best;
 #else
     return JpegSimd::Baseline;

@@ -1,6 +1,6 @@
 // Which vector instructions the JPEG encoder's inner loops use. Every loop has a path for
-// plain x86-64 (SSE2, or portable code elsewhere) and, where it pays, one for AVX2 chosen
-// while running when the processor has it. Both paths give the same results to the bit;
+// plain x86-64 (SSE2, or portable code elsewhere) and, where it pays, one for AVX2 (with
+// BMI1 and BMI2) chosen while running when the processor has them. Both paths give the same results to the bit;
 // tests run them side by side.
 #pragma once
 
