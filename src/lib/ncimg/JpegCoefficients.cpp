@@ -59,7 +59,7 @@ JpegFrame PlanFrame(int width, int height, bool grey, bool wholeImage) {
         comp.heightInBlocks = blocks((height + divisor - 1) / divisor);
         comp.blocksAcross = frame.mcusAcross * comp.hSampling;
         comp.blocksDown = frame.mcusDown * comp.vSampling;
-        comp.coefficients.resize(static_cast<size_t>(comp.blocksAcross) * frame.heldMcuRows * comp.vSampling * 64);
+        comp.coefficients.reset(new int16_t[static_cast<size_t>(comp.blocksAcross) * frame.heldMcuRows * comp.vSampling * 64]);
         frame.components.push_back(std::move(comp));
     }
     return frame;

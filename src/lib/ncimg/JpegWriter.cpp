@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace lx {
 namespace {
@@ -116,6 +117,36 @@ void MakeAllCoefficients(JpegFrame& frame, const SampleSource& source) {
     });
 }
 
+// The same, counting the symbols of the sequential scan as each row is made, while its
+// coefficients are still in the cache. A part does not know the DC values that end the
+// part before it, so it counts its first MCU's DC differences from zero; once every part
+// is done, those few counts are moved to the right symbols.
+ScanCounts MakeAllCoefficientsCounting(JpegFrame& frame, const SampleSource& source) {
+    std::vector<ScanCounts> partCounts(kMaxParts);
+    std::vector<int> partBegins(kMaxParts, 0);
+    const int parts = ForEachPartOf(frame.mcusDown, 4, [&](int begin, int end, int part) {
+        CoefficientMaker maker(source.dib, frame, source.quantizers, source.smoothing);
+        DcPredictors predictors;
+        partBegins[part] = begin;
+        for (int row = begin; row < end; ++row) {
+            maker.make(row);
+            CountSequential(frame, row, row + 1, predictors, partCounts[part]);
+        }
+    });
+    for (int p = 1; p < parts; ++p) {
+        const DcPredictors before = PredictorsAfterRow(frame, partBegins[p] - 1);
+        for (size_t c = 0; c < frame.components.size(); ++c) {
+            const JpegComponent& comp = frame.components[c];
+            const int dc = comp.block(0, partBegins[p] * comp.vSampling)[0];
+            SymbolCounts& counts = partCounts[p].dc[comp.tableIndex];
+            --counts[BitLength(static_cast<uint32_t>(std::abs(dc)))];
+            ++counts[BitLength(static_cast<uint32_t>(std::abs(dc - before.value[c])))];
+        }
+        AddCounts(partCounts[0], partCounts[p]);
+    }
+    return partCounts[0];
+}
+
 // Writes the tables of a sequential scan and returns the codes made from them.
 ScanCodes PutSequentialTables(std::vector<uint8_t>& out, const JpegFrame& frame, const HuffmanSpec (&dc)[2],
                               const HuffmanSpec (&ac)[2]) {
@@ -168,23 +199,17 @@ void PutStandardScan(std::vector<uint8_t>& out, const JpegFrame& frame, const Sa
     JoinParts(out, partBits, parts);
 }
 
-// The sequential scan with tables made for this image: count in parallel parts, build
-// the tables, then code in the same parts, the first one straight out as above.
-void PutOptimizedScan(std::vector<uint8_t>& out, const JpegFrame& frame) {
-    std::vector<ScanCounts> partCounts(kMaxParts);
-    const int parts = ForEachPartOf(frame.mcusDown, 8, [&](int begin, int end, int part) {
-        DcPredictors predictors = begin > 0 ? PredictorsAfterRow(frame, begin - 1) : DcPredictors();
-        CountSequential(frame, begin, end, predictors, partCounts[part]);
-    });
-    for (int p = 1; p < parts; ++p) AddCounts(partCounts[0], partCounts[p]);
+// The sequential scan with tables made for this image from the symbols counted, coded in
+// parallel parts, the first one straight out as above.
+void PutOptimizedScan(std::vector<uint8_t>& out, const JpegFrame& frame, const ScanCounts& counts) {
     HuffmanSpec dc[2], ac[2];
     for (int s = 0; s < TableSlots(frame); ++s) {
-        dc[s] = OptimalSpec(partCounts[0].dc[s]);
-        ac[s] = OptimalSpec(partCounts[0].ac[s]);
+        dc[s] = OptimalSpec(counts.dc[s]);
+        ac[s] = OptimalSpec(counts.ac[s]);
     }
     const ScanCodes codes = PutSequentialTables(out, frame, dc, ac);
     std::vector<BitStream> partBits(kMaxParts);
-    ForEachPartOf(frame.mcusDown, 8, [&](int begin, int end, int part) {
+    const int parts = ForEachPartOf(frame.mcusDown, 8, [&](int begin, int end, int part) {
         DcPredictors predictors = begin > 0 ? PredictorsAfterRow(frame, begin - 1) : DcPredictors();
         for (int row = begin; row < end; ++row) {
             EncodeSequential(frame, row, row + 1, predictors, codes, partBits[part]);
@@ -252,13 +277,15 @@ std::vector<uint8_t> EncodeJpeg(const PackedDib& dib, const JpegSaveRecord& reco
     PutJfifHeader(out, dib);
     for (int s = 0; s < TableSlots(frame); ++s) PutQuantTable(out, s, tables[s]);
     PutFrameHeader(out, frame, progressive);
-    if (progressive || optimize) MakeAllCoefficients(frame, source);
-    if (progressive)
+    if (progressive) {
+        MakeAllCoefficients(frame, source);
         PutProgressiveScans(out, frame);
-    else if (optimize)
-        PutOptimizedScan(out, frame);
-    else
+    } else if (optimize) {
+        const ScanCounts counts = MakeAllCoefficientsCounting(frame, source);
+        PutOptimizedScan(out, frame, counts);
+    } else {
         PutStandardScan(out, frame, source);
+    }
     out.push_back(0xff);
     out.push_back(0xd9);
     return out;
