@@ -71,6 +71,15 @@ inline Magnitude Split(int value) {
     return {size, extra};
 }
 
+// The same for a value known not to be zero, one instruction shorter.
+inline Magnitude SplitNonzero(int value) {
+    const int32_t sign = value >> 31;
+    const uint32_t magnitude = static_cast<uint32_t>((value ^ sign) - sign);
+    const int size = 32 - __builtin_clz(magnitude);
+    const uint32_t extra = static_cast<uint32_t>(value + sign) & ((1u << size) - 1);
+    return {size, extra};
+}
+
 // Bit k set when zigzag coefficient k is non-zero.
 inline uint64_t NonzeroMask(const int16_t* zz) {
     uint64_t mask = 0;
@@ -135,7 +144,7 @@ inline void CodeBlockSymbols(const int16_t* zz, int& predictor, int slot, Sink& 
         nonzero &= nonzero - 1;
         int run = k - last - 1;
         for (; run >= 16; run -= 16) sink.ac(slot, kZeroRun16, 0, 0);
-        const Magnitude ac = Split(zz[k]);
+        const Magnitude ac = SplitNonzero(zz[k]);
         sink.ac(slot, run << 4 | ac.size, ac.extra, ac.size);
         last = k;
     }
