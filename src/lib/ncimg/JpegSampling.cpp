@@ -188,7 +188,7 @@ __attribute__((target("avx2"))) int ConvertPixelPairsAvx2(const uint8_t* top, co
         __m256i br[2][2], gx[2][2];  // [row][half]
         for (int row = 0; row < 2; ++row) {
             const uint8_t* p = (row == 0 ? top : bottom) + at;
-            _mm_prefetch(reinterpret_cast<const char*>(p + 512), _MM_HINT_T0);
+            _mm_prefetch(reinterpret_cast<const char*>(p + 2048), _MM_HINT_T0);
             for (int h = 0; h < 2; ++h) {
                 const __m256i v = LoadEight<kPixelBytes>(p + 8 * h * kPixelBytes);
                 br[row][h] = _mm256_and_si256(v, bytes);
@@ -220,7 +220,7 @@ __attribute__((target("avx2"))) int ConvertPixelsAvx2(const uint8_t* bgr, int wi
     int x = 0;
     for (; x + 16 + kReadBeyond <= width; x += 16) {
         const uint8_t* p = bgr + static_cast<size_t>(x) * kPixelBytes;
-        _mm_prefetch(reinterpret_cast<const char*>(p + 512), _MM_HINT_T0);
+        _mm_prefetch(reinterpret_cast<const char*>(p + 2048), _MM_HINT_T0);
         __m256i br[2], gx[2];
         for (int h = 0; h < 2; ++h) {
             const __m256i v = LoadEight<kPixelBytes>(p + 8 * h * kPixelBytes);
