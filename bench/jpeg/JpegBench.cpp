@@ -18,7 +18,7 @@ namespace {
 
 // Red and blue swapped in place, 16 pixels (three vectors) per step: each output vector
 // gathers its bytes from the input vectors it overlaps, one byte shuffle each.
-__attribute__((target("ssse3"))) void SwapRedBlue(uint8_t* p, int width) {
+__attribute__((target("ssse3"))) void SwapRedBlueSsse3(uint8_t* p, int width) {
     alignas(16) int8_t masks[3][3][16];
     for (int out = 0; out < 3; ++out)
         for (int in = 0; in < 3; ++in)
@@ -38,6 +38,12 @@ __attribute__((target("ssse3"))) void SwapRedBlue(uint8_t* p, int width) {
         }
     }
     for (; x < width; ++x) std::swap(p[3 * x], p[3 * x + 2]);
+}
+
+void SwapRedBlue(uint8_t* p, int width) {
+    static const bool ssse3 = __builtin_cpu_supports("ssse3");
+    if (ssse3) return SwapRedBlueSsse3(p, width);
+    for (int x = 0; x < width; ++x) std::swap(p[3 * x], p[3 * x + 2]);
 }
 
 // The whole program's share, kept as small as cjpeg's own reading: rows go straight into
