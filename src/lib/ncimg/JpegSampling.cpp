@@ -310,7 +310,7 @@ void ConvertPixelPairs(const uint8_t* top, const uint8_t* bottom, int width, uin
                        uint8_t* cb, uint8_t* cr, JpegSimd simd) {
     int x = 0;
 #if defined(LX_JPEG_AVX2)
-    if (simd == JpegSimd::Avx2) x = ConvertPixelPairsAvx2<kPixelBytes>(top, bottom, width, yTop, yBottom, cb, cr);
+    if (simd >= JpegSimd::Avx2) x = ConvertPixelPairsAvx2<kPixelBytes>(top, bottom, width, yTop, yBottom, cb, cr);
 #endif
 #if defined(__SSE2__)
     constexpr int kReadBeyond = kPixelBytes == 3 ? 2 : 0;
@@ -337,7 +337,7 @@ template <int kPixelBytes>
 void ConvertPixels(const uint8_t* bgr, int width, uint8_t* y, uint8_t* cb, uint8_t* cr, JpegSimd simd) {
     int x = 0;
 #if defined(LX_JPEG_AVX2)
-    if (simd == JpegSimd::Avx2) x = ConvertPixelsAvx2<kPixelBytes>(bgr, width, y, cb, cr);
+    if (simd >= JpegSimd::Avx2) x = ConvertPixelsAvx2<kPixelBytes>(bgr, width, y, cb, cr);
 #endif
 #if defined(__SSE2__)
     // Each group reads a little past its last pixel, so the last few pixels of the row
@@ -389,7 +389,7 @@ void SmoothRow(const uint8_t* above, const uint8_t* row, const uint8_t* below, i
     };
     int x = 0;
 #if defined(LX_JPEG_AVX2)
-    if (simd == JpegSimd::Avx2 && width > 1) {
+    if (simd >= JpegSimd::Avx2 && width > 1) {
         smooth(0);
         x = SmoothRowAvx2(above, row, below, width, smoothing, out);
     }
@@ -413,7 +413,7 @@ void SmoothDownsampleRow(const uint8_t* above, const uint8_t* top, const uint8_t
     };
     int x = 0;
 #if defined(LX_JPEG_AVX2)
-    if (simd == JpegSimd::Avx2 && outWidth > 1) {
+    if (simd >= JpegSimd::Avx2 && outWidth > 1) {
         smooth(0);
         x = SmoothDownsampleRowAvx2(above, top, bottom, below, outWidth, smoothing, out);
     }

@@ -352,7 +352,7 @@ void CountSequential(const JpegFrame& frame, int rowBegin, int rowEnd, DcPredict
 void EncodeSequential(const JpegFrame& frame, int rowBegin, int rowEnd, DcPredictors& predictors,
                       const ScanCodes& codes, BitStream& out, JpegSimd simd) {
 #if defined(__x86_64__)
-    if (simd == JpegSimd::Avx2) return EncodeSequentialBmi2(frame, rowBegin, rowEnd, predictors, codes, out);
+    if (simd >= JpegSimd::Avx2) return EncodeSequentialBmi2(frame, rowBegin, rowEnd, predictors, codes, out);
 #endif
     WritingSink sink(codes, out);
     RunSequential(frame, rowBegin, rowEnd, predictors.value, sink);

@@ -1,6 +1,7 @@
-// The JPEG encoder's AVX2 paths against its plain ones, which JpegWriterTest holds to the
-// reference tools: the same input must give the same output to the bit, extremes included.
-// On a processor without AVX2 there is only the plain path, and nothing to compare.
+// The JPEG encoder's AVX2 and AVX-512 paths against its plain ones, which JpegWriterTest
+// holds to the reference tools: the same input must give the same output to the bit,
+// extremes included. Each level the processor has is compared; on one without AVX2 there is
+// only the plain path, and nothing to compare.
 #include "JpegCoefficients.h"
 #include "JpegDct.h"
 #include "JpegSampling.h"
@@ -18,12 +19,20 @@ using lx::JpegSimd;
 
 namespace {
 
-#define REQUIRE_AVX2()                                                                    \
-    if (lx::BestJpegSimd() != JpegSimd::Avx2) GTEST_SKIP() << "no AVX2 on this processor: one path only"
+// The levels above the plain one that this processor runs.
+std::vector<JpegSimd> WiderLevels() {
+    std::vector<JpegSimd> levels;
+    for (int l = 1; l <= static_cast<int>(lx::BestJpegSimd()); ++l) levels.push_back(static_cast<JpegSimd>(l));
+    return levels;
+}
+
+#define REQUIRE_WIDER_LEVELS() \
+    if (WiderLevels().empty()) GTEST_SKIP() << "no AVX2 on this processor: one path only"
 
 // Samples in one of several patterns: random, all black, all white, black and white at
-// random, and the checkerboard that gives the largest high-frequency coefficients.
-std::vector<uint8_t> Samples(size_t count, int pattern, std::mt19937& random) {
+// random, and the checkerboard (rows `stride` apart) that gives the largest high-frequency
+// coefficients.
+std::vector<uint8_t> Samples(size_t count, int pattern, std::mt19937& random, size_t stride = 1) {
     std::vector<uint8_t> v(count);
     for (size_t i = 0; i < count; ++i) {
         const uint32_t r = random();
@@ -32,7 +41,7 @@ std::vector<uint8_t> Samples(size_t count, int pattern, std::mt19937& random) {
             case 1: v[i] = 0; break;
             case 2: v[i] = 255; break;
             case 3: v[i] = r & 1 ? 255 : 0; break;
-            default: v[i] = (i + i / 61) & 1 ? 255 : 0; break;  // rows 61 apart, shifted by one
+            default: v[i] = (i % stride + i / stride) & 1 ? 255 : 0; break;
         }
     }
     return v;
@@ -43,24 +52,28 @@ constexpr int kPatterns = 5;
 }  // namespace
 
 TEST(JpegSimd, DctAndQuantisationMatchThePlainPath) {
-    REQUIRE_AVX2();
+    REQUIRE_WIDER_LEVELS();
     std::mt19937 random(3);
-    constexpr int kBlocks = 7, kStride = 61;  // an odd stride: unaligned rows
+    // An odd count (the last block alone on the two-block path) and an odd stride.
+    constexpr int kBlocks = 301, kStride = 8 * kBlocks + 3;
     for (int quality : {1, 30, 75, 99, 100})  // 100: every divisor 1, the largest values
         for (int table : {0, 1})
             for (int pattern = 0; pattern < kPatterns; ++pattern) {
                 SCOPED_TRACE("quality " + std::to_string(quality) + ", pattern " + std::to_string(pattern));
                 const lx::DctQuantizer q = lx::MakeDctQuantizer(lx::ScaledQuantTable(table, quality));
-                const std::vector<uint8_t> samples = Samples(8 * kStride, pattern, random);
-                std::vector<int16_t> plain(64 * kBlocks, -1), wide(64 * kBlocks, -2);
+                const std::vector<uint8_t> samples = Samples(8 * kStride, pattern, random, kStride);
+                std::vector<int16_t> plain(64 * kBlocks, -1);
                 lx::ForwardDctQuantizeRow(samples.data(), kStride, kBlocks, q, plain.data(), JpegSimd::Baseline);
-                lx::ForwardDctQuantizeRow(samples.data(), kStride, kBlocks, q, wide.data(), JpegSimd::Avx2);
-                ASSERT_EQ(plain, wide);
+                for (JpegSimd level : WiderLevels()) {
+                    std::vector<int16_t> wide(64 * kBlocks, -2);
+                    lx::ForwardDctQuantizeRow(samples.data(), kStride, kBlocks, q, wide.data(), level);
+                    ASSERT_EQ(plain, wide) << "level " << static_cast<int>(level);
+                }
             }
 }
 
 TEST(JpegSimd, SmoothingMatchesThePlainPath) {
-    REQUIRE_AVX2();
+    REQUIRE_WIDER_LEVELS();
     std::mt19937 random(4);
     // Widths around the vector steps (16 samples, 8 halved outputs) and their edges.
     for (int width : {2, 3, 16, 17, 18, 19, 33, 34, 35, 36, 50, 129})
@@ -70,26 +83,27 @@ TEST(JpegSimd, SmoothingMatchesThePlainPath) {
                              ", pattern " + std::to_string(pattern));
                 std::vector<uint8_t> rows[4];
                 for (int r = 0; r < 4; ++r) rows[r] = Samples(width, r == 1 ? pattern : (pattern + r) % kPatterns, random);
-                std::vector<uint8_t> plain(width, 1), wide(width, 2);
+                std::vector<uint8_t> plain(width, 1), halfPlain(width / 2, 1);
+                const int half = width / 2;
                 lx::SmoothRow(rows[0].data(), rows[1].data(), rows[2].data(), width, smoothing, plain.data(),
                               JpegSimd::Baseline);
-                lx::SmoothRow(rows[0].data(), rows[1].data(), rows[2].data(), width, smoothing, wide.data(),
-                              JpegSimd::Avx2);
-                ASSERT_EQ(plain, wide);
-                const int half = width / 2;
-                plain.assign(half, 1), wide.assign(half, 2);
                 lx::SmoothDownsampleRow(rows[0].data(), rows[1].data(), rows[2].data(), rows[3].data(), half,
-                                        smoothing, plain.data(), JpegSimd::Baseline);
-                lx::SmoothDownsampleRow(rows[0].data(), rows[1].data(), rows[2].data(), rows[3].data(), half,
-                                        smoothing, wide.data(), JpegSimd::Avx2);
-                ASSERT_EQ(plain, wide);
+                                        smoothing, halfPlain.data(), JpegSimd::Baseline);
+                for (JpegSimd level : WiderLevels()) {
+                    std::vector<uint8_t> wide(width, 2), halfWide(half, 2);
+                    lx::SmoothRow(rows[0].data(), rows[1].data(), rows[2].data(), width, smoothing, wide.data(), level);
+                    lx::SmoothDownsampleRow(rows[0].data(), rows[1].data(), rows[2].data(), rows[3].data(), half,
+                                            smoothing, halfWide.data(), level);
+                    ASSERT_EQ(plain, wide) << "level " << static_cast<int>(level);
+                    ASSERT_EQ(halfPlain, halfWide) << "level " << static_cast<int>(level);
+                }
             }
 }
 
 // Coefficients of every size category, long runs of zeros (codes for sixteen zeros), blocks
 // ending in a non-zero coefficient (no end-of-block code) and empty ones.
 TEST(JpegSimd, SequentialCodingMatchesThePlainPath) {
-    REQUIRE_AVX2();
+    REQUIRE_WIDER_LEVELS();
     std::mt19937 random(6);
     lx::JpegFrame frame = lx::PlanFrame(100, 50, false, true);
     for (lx::JpegComponent& comp : frame.components)
@@ -110,14 +124,15 @@ TEST(JpegSimd, SequentialCodingMatchesThePlainPath) {
         codes.dc[s] = lx::MakeCodes(lx::StandardDcSpec(s));
         codes.ac[s] = lx::MakeCodes(lx::StandardAcSpec(s));
     }
-    std::vector<uint8_t> bytes[2];
-    const JpegSimd levels[2] = {JpegSimd::Baseline, JpegSimd::Avx2};
-    for (int i = 0; i < 2; ++i) {
+    auto code = [&](JpegSimd level) {
         lx::BitStream bits;
         lx::DcPredictors predictors;
-        lx::EncodeSequential(frame, 0, frame.mcusDown, predictors, codes, bits, levels[i]);
-        bits.appendStuffed(bytes[i]);
-    }
-    EXPECT_GT(bytes[0].size(), 4000u);
-    EXPECT_EQ(bytes[0], bytes[1]);
+        lx::EncodeSequential(frame, 0, frame.mcusDown, predictors, codes, bits, level);
+        std::vector<uint8_t> bytes;
+        bits.appendStuffed(bytes);
+        return bytes;
+    };
+    const std::vector<uint8_t> plain = code(JpegSimd::Baseline);
+    EXPECT_GT(plain.size(), 4000u);
+    for (JpegSimd level : WiderLevels()) EXPECT_EQ(plain, code(level)) << "level " << static_cast<int>(level);
 }

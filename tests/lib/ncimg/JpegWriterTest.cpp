@@ -594,10 +594,10 @@ struct Planes {
     Row yTop, yBottom, cb, cr;
 };
 
-// Each vector path the processor has, besides the plain one.
+// The plain path and each wider one the processor has.
 std::vector<lx::JpegSimd> SimdLevels() {
-    std::vector<lx::JpegSimd> levels{lx::JpegSimd::Baseline};
-    if (lx::BestJpegSimd() != lx::JpegSimd::Baseline) levels.push_back(lx::BestJpegSimd());
+    std::vector<lx::JpegSimd> levels;
+    for (int l = 0; l <= static_cast<int>(lx::BestJpegSimd()); ++l) levels.push_back(static_cast<lx::JpegSimd>(l));
     return levels;
 }
 
