@@ -242,6 +242,16 @@ alignas(64) constexpr std::array<int16_t, 64> kPairZigzag = [] {
     return index;
 }();
 
+// One block's results in zigzag order: kQuarters picks its two quarters of each register.
+template <int kQuarters>
+__attribute__((target("avx2,avx512f,avx512bw"), always_inline)) inline void StoreBlockOfPair(
+    const __m512i* packed, __m512i first, __m512i second, int16_t* zigzag) {
+    const __m512i top = _mm512_shuffle_i64x2(packed[0], packed[1], kQuarters);
+    const __m512i bottom = _mm512_shuffle_i64x2(packed[2], packed[3], kQuarters);
+    _mm512_storeu_si512(zigzag, _mm512_permutex2var_epi16(top, first, bottom));
+    _mm512_storeu_si512(zigzag + 32, _mm512_permutex2var_epi16(top, second, bottom));
+}
+
 __attribute__((target("avx2,avx512f,avx512bw"))) void DctRowAvx512(const uint8_t* samples, ptrdiff_t stride,
                                                                    int blocks, const DctQuantizer& quantizer,
                                                                    int16_t* zigzag) {
@@ -272,13 +282,8 @@ __attribute__((target("avx2,avx512f,avx512bw"))) void DctRowAvx512(const uint8_t
             }
             packed[u / 2] = _mm512_packs_epi32(q[0], q[1]);
         }
-        for (int block = 0; block < 2; ++block) {
-            const int pick = block ? 0xee : 0x44;  // the block's two quarters of each register
-            const __m512i top = _mm512_shuffle_i64x2(packed[0], packed[1], pick);
-            const __m512i bottom = _mm512_shuffle_i64x2(packed[2], packed[3], pick);
-            _mm512_storeu_si512(zigzag + 64 * block, _mm512_permutex2var_epi16(top, first, bottom));
-            _mm512_storeu_si512(zigzag + 64 * block + 32, _mm512_permutex2var_epi16(top, second, bottom));
-        }
+        StoreBlockOfPair<0x44>(packed, first, second, zigzag);
+        StoreBlockOfPair<0xee>(packed, first, second, zigzag + 64);
     }
     if (b < blocks) DctRowAvx2(samples, stride, blocks - b, quantizer, zigzag);
 }
