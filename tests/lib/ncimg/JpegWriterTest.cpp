@@ -473,10 +473,10 @@ TEST(JpegWriter, OptimisedTablesAreThoseOfTheWholeScansSymbols) {
     std::map<int, std::vector<uint8_t>> expected;
     for (int slot = 0; slot < 2; ++slot)
         for (int ac = 0; ac < 2; ++ac) {
-            const HuffmanSpec spec = lx::OptimalSpec(ac ? counts.ac[slot] : counts.dc[slot]);
+            const HuffmanSpec table = lx::OptimalSpec(ac ? counts.ac[slot] : counts.dc[slot]);
             std::vector<uint8_t> payload{static_cast<uint8_t>(ac << 4 | slot)};
-            payload.insert(payload.end(), spec.counts.begin(), spec.counts.end());
-            payload.insert(payload.end(), spec.symbols.begin(), spec.symbols.begin() + spec.symbolCount());
+            payload.insert(payload.end(), table.counts.begin(), table.counts.end());
+            payload.insert(payload.end(), table.symbols.begin(), table.symbols.begin() + table.symbolCount());
             expected[payload[0]] = payload;
         }
     EXPECT_EQ(PayloadsByFirstByte(Segments(EncodeJpeg(dib, Record(75, 1))), 0xc4), expected);
