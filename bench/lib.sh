@@ -1,5 +1,7 @@
 # Sourced by the benchmark scripts: what several of them share.
 #   bench_photo DIR         DIR/photo.jpg, a 4000 x 3000 photograph-like picture, and DIR/photo.ppm
+#   bench_real_ppm OUT W H  OUT, a W x H mosaic of real photographs (scikit-image's sample
+#                           pictures, each cropped to 750 x 500 at about its own scale)
 #   best_time OUTDIR CMD... the shortest wall-clock seconds of $runs runs, OUTDIR emptied first
 #   winpath PATH            PATH as Wine names it (Z: drive)
 #   bench_lxhost            sets $lxhost: $LXHOST when given, else lxhost.exe built from this tree
@@ -16,6 +18,26 @@ bench_photo() {
             -quality 92 "$1/photo.jpg"
         convert "$1/photo.jpg" -depth 8 "$1/photo.ppm"
     fi
+}
+
+bench_real_ppm() {
+    local out=$1 width=$2 height=$3 data=/usr/lib/python3/dist-packages/skimage/data tmp i=0 tiles=()
+    [ -s "$out" ] && return 0
+    echo "making $out ($width x $height of real photographs) ..."
+    tmp=$(mktemp -d)
+    for f in coffee.png chelsea.png astronaut.png motorcycle_left.png rocket.jpg hubble_deep_field.jpg \
+        retina.jpg motorcycle_right.png; do
+        "$im_convert" "$data/$f" -resize '750x500^' -gravity center -extent 750x500 -depth 8 "$tmp/t$i.ppm"
+        i=$((i + 1))
+    done
+    # Neighbouring tiles differ, row after row.
+    local across=$(( (width + 749) / 750 )) down=$(( (height + 499) / 500 )) r c
+    for ((r = 0; r < down; r++)); do
+        for ((c = 0; c < across; c++)); do tiles+=("$tmp/t$(( (3 * r + c) % 8 )).ppm"); done
+    done
+    /usr/bin/montage "${tiles[@]}" -tile "${across}x${down}" -geometry +0+0 -depth 8 "$tmp/mosaic.ppm"
+    "$im_convert" "$tmp/mosaic.ppm" -crop "${width}x${height}+0+0" +repage -depth 8 "$out"
+    rm -rf "$tmp"
 }
 
 best_time() {

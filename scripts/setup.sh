@@ -9,7 +9,7 @@ packages=(
   g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-tools libz-mingw-w64-dev
   wine wine64 xvfb xauth x11-apps x11-utils xdotool fonts-ipafont-gothic
   imagemagick qpdf poppler-utils libjpeg-turbo-progs libimage-exiftool-perl
-  libvips-tools img2pdf python3-pil python3-numpy hyperfine bc time locales chromium
+  libvips-tools img2pdf python3-pil python3-numpy python3-skimage hyperfine bc time locales chromium
 )
 
 missing=()

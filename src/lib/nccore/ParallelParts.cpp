@@ -9,6 +9,17 @@
 #include <vector>
 
 namespace lx {
+namespace {
+std::atomic<int> threadLimit{0};
+}  // namespace
+
+int PartThreads() {
+    const int cores = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+    const int limit = threadLimit.load();
+    return limit > 0 ? std::min(limit, cores) : cores;
+}
+
+void LimitPartThreads(int limit) { threadLimit = std::max(limit, 0); }
 
 int ForEachPart(int count, int parts, const std::function<void(int, int, int)>& fn) {
     if (count <= 0) return 0;
@@ -29,7 +40,7 @@ int ForEachPart(int count, int parts, const std::function<void(int, int, int)>& 
             }
         }
     };
-    const int cores = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+    const int cores = PartThreads();
     std::vector<std::thread> helpers;
     for (int t = 1; t < std::min(cores, parts); ++t) {
         try {

@@ -17,4 +17,9 @@ namespace lx {
 // Returns the number of parts run (0 when count is 0 or less).
 int ForEachPart(int count, int parts, const std::function<void(int begin, int end, int part)>& fn);
 
+// The threads ForEachPart may use: the processor's cores, or at most `limit` of them once
+// a limit above 0 is set (benchmarks measure one thread this way; 0 lifts the limit).
+int PartThreads();
+void LimitPartThreads(int limit);
+
 }  // namespace lx

@@ -59,7 +59,7 @@ JpegFrame PlanFrame(int width, int height, bool grey, bool wholeImage) {
         comp.heightInBlocks = blocks((height + divisor - 1) / divisor);
         comp.blocksAcross = frame.mcusAcross * comp.hSampling;
         comp.blocksDown = frame.mcusDown * comp.vSampling;
-        comp.coefficients.resize(static_cast<size_t>(comp.blocksAcross) * frame.heldMcuRows * comp.vSampling * 64);
+        comp.coefficients.reset(new int16_t[static_cast<size_t>(comp.blocksAcross) * frame.heldMcuRows * comp.vSampling * 64]);
         frame.components.push_back(std::move(comp));
     }
     return frame;
@@ -145,7 +145,7 @@ void CoefficientMaker::transform(JpegComponent& comp, int mcuRow, const uint8_t*
     for (int y = 0; y < comp.vSampling; ++y) {
         const uint8_t* band = samples + static_cast<size_t>(y * 8) * stride;
         const int by = mcuRow * comp.vSampling + y;
-        for (int bx = 0; bx < comp.blocksAcross; ++bx) ForwardDctQuantize(band + bx * 8, stride, q, comp.block(bx, by));
+        ForwardDctQuantizeRow(band, stride, comp.blocksAcross, q, comp.block(0, by));
     }
 }
 

@@ -79,48 +79,78 @@ HuffmanSpec OptimalSpec(const SymbolCounts& counts) {
     return spec;
 }
 
+void BitStream::grow(size_t capacity) {
+    if (capacity <= capacity_) return;
+    std::unique_ptr<uint64_t[]> words(new uint64_t[capacity]);
+    if (used_) std::memcpy(words.get(), words_.get(), used_ * sizeof(uint64_t));
+    words_ = std::move(words);
+    capacity_ = capacity;
+}
+
 void BitStream::append(const BitStream& other) {
-    for (uint64_t w : other.words_) {
-        put(static_cast<uint32_t>(w >> 32), 32);
-        put(static_cast<uint32_t>(w), 32);
+    grow(used_ + other.used_ + kWriterWords);
+    Writer out(*this);
+    for (size_t i = 0; i < other.used_; ++i) {
+        const uint64_t w = other.words_[i];
+        out.put(static_cast<uint32_t>(w >> 32), 32);
+        out.put(static_cast<uint32_t>(w), 32);
     }
     const int tail = 64 - other.free_;
     if (tail > 32) {
-        put(static_cast<uint32_t>(other.acc_ >> 32), 32);
-        put(static_cast<uint32_t>(other.acc_ >> other.free_) & ((1u << (tail - 32)) - 1), tail - 32);
+        out.put(static_cast<uint32_t>(other.acc_ >> 32), 32);
+        out.put(static_cast<uint32_t>(other.acc_ >> other.free_) & ((1u << (tail - 32)) - 1), tail - 32);
     } else if (tail > 0) {
-        put(static_cast<uint32_t>(other.acc_ >> (64 - tail)), tail);
+        out.put(static_cast<uint32_t>(other.acc_ >> (64 - tail)), tail);
     }
 }
 
-void BitStream::appendStuffed(std::vector<uint8_t>& out) const {
-    // Room for the worst case (every byte stuffed), written through a pointer and cut
-    // back to what was used: this runs on one thread over the whole scan.
-    const size_t start = out.size();
-    out.resize(start + words_.size() * 16 + 16);
-    uint8_t* p = out.data() + start;
-    auto putByte = [&p](uint8_t b) {
-        *p++ = b;
-        if (b == 0xff) *p++ = 0;
-    };
-    for (uint64_t w : words_) {
+namespace {
+
+// Room for the worst case (every byte stuffed) is made first and cut back to what was
+// used; the words go out through a plain pointer.
+uint8_t* StuffWords(const uint64_t* words, size_t count, uint8_t* p) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint64_t w = words[i];
         // A word without any 0xFF byte needs no stuffing and goes out whole, first byte first.
         const uint64_t inverted = ~w;
         const bool hasFf = ((inverted - 0x0101010101010101ull) & ~inverted & 0x8080808080808080ull) != 0;
+        const uint64_t bigEndian = __builtin_bswap64(w);
+        std::memcpy(p, &bigEndian, 8);
         if (!hasFf) {
-            const uint64_t bigEndian = __builtin_bswap64(w);
-            std::memcpy(p, &bigEndian, 8);
             p += 8;
         } else {
-            for (int shift = 56; shift >= 0; shift -= 8) putByte(static_cast<uint8_t>(w >> shift));
+            for (int shift = 56; shift >= 0; shift -= 8) {
+                *p = static_cast<uint8_t>(w >> shift);
+                if (*p++ == 0xff) *p++ = 0;
+            }
         }
     }
+    return p;
+}
+
+}  // namespace
+
+void BitStream::drainStuffed(std::vector<uint8_t>& out) {
+    const size_t start = out.size();
+    out.resize(start + used_ * 16);
+    out.resize(static_cast<size_t>(StuffWords(words_.get(), used_, out.data() + start) - out.data()));
+    drained_ += used_;
+    used_ = 0;
+}
+
+void BitStream::appendStuffed(std::vector<uint8_t>& out) const {
+    const size_t start = out.size();
+    out.resize(start + used_ * 16 + 16);
+    uint8_t* p = StuffWords(words_.get(), used_, out.data() + start);
     const int tail = 64 - free_;
     if (tail > 0) {
         // Pad the last byte with one-bits.
         const int padded = (tail + 7) / 8 * 8;
         const uint64_t w = acc_ | (((uint64_t{1} << (padded - tail)) - 1) << (64 - padded));
-        for (int i = 0; i < padded / 8; ++i) putByte(static_cast<uint8_t>(w >> (56 - 8 * i)));
+        for (int i = 0; i < padded / 8; ++i) {
+            *p = static_cast<uint8_t>(w >> (56 - 8 * i));
+            if (*p++ == 0xff) *p++ = 0;
+        }
     }
     out.resize(static_cast<size_t>(p - out.data()));
 }

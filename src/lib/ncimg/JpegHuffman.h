@@ -13,6 +13,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace lx {
@@ -41,10 +42,15 @@ public:
     // Appends bits with the stream's unfinished word held in the writer itself: a writer
     // that lives in one function's loop keeps it in registers instead of storing and
     // reloading it with every code. The stream takes the word back when the writer ends.
+    // A writer has room for kWriterWords whole words (one block's codes at most) without
+    // checking for more.
+    static constexpr size_t kWriterWords = 32;
     class Writer {
     public:
-        explicit Writer(BitStream& stream) : stream_(stream), acc_(stream.acc_), free_(stream.free_) {}
+        explicit Writer(BitStream& stream)
+            : stream_(stream), next_(stream.room()), acc_(stream.acc_), free_(stream.free_) {}
         ~Writer() {
+            stream_.used_ = static_cast<size_t>(next_ - stream_.words_.get());
             stream_.acc_ = acc_;
             stream_.free_ = free_;
         }
@@ -59,26 +65,39 @@ public:
                 return;
             }
             const int over = count - free_;
-            stream_.words_.push_back(acc_ | static_cast<uint64_t>(bits) >> over);
+            *next_++ = acc_ | static_cast<uint64_t>(bits) >> over;
             free_ = 64 - over;
             acc_ = over ? static_cast<uint64_t>(bits) << free_ : 0;
         }
 
     private:
         BitStream& stream_;
+        uint64_t* next_;
         uint64_t acc_;
         int free_;
     };
 
     void put(uint32_t bits, int count) { Writer(*this).put(bits, count); }
     void append(const BitStream& other);
-    uint64_t bitCount() const { return words_.size() * 64 + (64 - free_); }
-    void reserveBytes(size_t bytes) { words_.reserve(bytes / 8 + 1); }
-    // Writes the bits as entropy-coded segment bytes.
+    uint64_t bitCount() const { return (drained_ + used_) * 64 + (64 - free_); }
+    void reserveBytes(size_t bytes) { grow(bytes / 8 + kWriterWords); }
+    // Writes the bits as entropy-coded segment bytes, the last byte padded.
     void appendStuffed(std::vector<uint8_t>& out) const;
+    // Writes the whole words so far as entropy-coded bytes and lets them go; the bits
+    // still to come keep their place behind them.
+    void drainStuffed(std::vector<uint8_t>& out);
 
 private:
-    std::vector<uint64_t> words_;
+    uint64_t* room() {
+        if (capacity_ - used_ < kWriterWords) grow(2 * capacity_ + kWriterWords);
+        return words_.get() + used_;
+    }
+    void grow(size_t capacity);
+
+    // Whole words, not value-initialised: every word is written before it is read.
+    std::unique_ptr<uint64_t[]> words_;
+    size_t capacity_ = 0, used_ = 0;
+    size_t drained_ = 0;  // words already handed out by drainStuffed
     uint64_t acc_ = 0;
     int free_ = 64;
 };

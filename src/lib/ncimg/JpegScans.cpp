@@ -71,6 +71,15 @@ inline Magnitude Split(int value) {
     return {size, extra};
 }
 
+// The same for a value known not to be zero, one instruction shorter.
+inline Magnitude SplitNonzero(int value) {
+    const int32_t sign = value >> 31;
+    const uint32_t magnitude = static_cast<uint32_t>((value ^ sign) - sign);
+    const int size = 32 - __builtin_clz(magnitude);
+    const uint32_t extra = static_cast<uint32_t>(value + sign) & ((1u << size) - 1);
+    return {size, extra};
+}
+
 // Bit k set when zigzag coefficient k is non-zero.
 inline uint64_t NonzeroMask(const int16_t* zz) {
     uint64_t mask = 0;
@@ -135,7 +144,7 @@ inline void CodeBlockSymbols(const int16_t* zz, int& predictor, int slot, Sink& 
         nonzero &= nonzero - 1;
         int run = k - last - 1;
         for (; run >= 16; run -= 16) sink.ac(slot, kZeroRun16, 0, 0);
-        const Magnitude ac = Split(zz[k]);
+        const Magnitude ac = SplitNonzero(zz[k]);
         sink.ac(slot, run << 4 | ac.size, ac.extra, ac.size);
         last = k;
     }
@@ -152,8 +161,11 @@ inline void CodeSequentialBlock(const int16_t* zz, int& predictor, int slot, Sin
     }
 }
 
+// Inlined into each caller, so that a caller built for wider instructions builds the
+// whole loop with them.
 template <class Sink>
-void RunSequential(const JpegFrame& frame, int rowBegin, int rowEnd, int* predictor, Sink& sink) {
+inline __attribute__((always_inline)) void RunSequential(const JpegFrame& frame, int rowBegin, int rowEnd,
+                                                         int* predictor, Sink& sink) {
     for (int my = rowBegin; my < rowEnd; ++my) {
         for (int mx = 0; mx < frame.mcusAcross; ++mx) {
             for (size_t c = 0; c < frame.components.size(); ++c) {
@@ -310,6 +322,17 @@ private:
     int blockBitCount_ = 0;
 };
 
+#if defined(__x86_64__)
+// The same loop with the shifts and bit scans of BMI1 and BMI2, which processors with AVX2
+// have: a shift by a register count is one instruction there instead of three.
+__attribute__((target("avx2,bmi,bmi2"))) void EncodeSequentialBmi2(const JpegFrame& frame, int rowBegin,
+                                                                   int rowEnd, DcPredictors& predictors,
+                                                                   const ScanCodes& codes, BitStream& out) {
+    WritingSink sink(codes, out);
+    RunSequential(frame, rowBegin, rowEnd, predictors.value, sink);
+}
+#endif
+
 }  // namespace
 
 DcPredictors PredictorsAfterRow(const JpegFrame& frame, int row) {
@@ -327,7 +350,10 @@ void CountSequential(const JpegFrame& frame, int rowBegin, int rowEnd, DcPredict
 }
 
 void EncodeSequential(const JpegFrame& frame, int rowBegin, int rowEnd, DcPredictors& predictors,
-                      const ScanCodes& codes, BitStream& out) {
+                      const ScanCodes& codes, BitStream& out, JpegSimd simd) {
+#if defined(__x86_64__)
+    if (simd >= JpegSimd::Avx2) return EncodeSequentialBmi2(frame, rowBegin, rowEnd, predictors, codes, out);
+#endif
     WritingSink sink(codes, out);
     RunSequential(frame, rowBegin, rowEnd, predictors.value, sink);
 }

@@ -6,8 +6,10 @@
 #pragma once
 
 #include "JpegHuffman.h"
+#include "JpegSimd.h"
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace lx {
@@ -23,10 +25,12 @@ struct JpegComponent {
     // The coefficients held: all block rows, or (when coding while transforming) only
     // those of one MCU row, starting at block row firstBlockRow.
     int firstBlockRow = 0;
-    std::vector<int16_t> coefficients;
+    // Left uninitialised when made: every block is written before it is coded, and a
+    // whole image's worth would otherwise be cleared once for nothing.
+    std::unique_ptr<int16_t[]> coefficients;
 
-    int16_t* block(int bx, int by) { return coefficients.data() + offset(bx, by); }
-    const int16_t* block(int bx, int by) const { return coefficients.data() + offset(bx, by); }
+    int16_t* block(int bx, int by) { return coefficients.get() + offset(bx, by); }
+    const int16_t* block(int bx, int by) const { return coefficients.get() + offset(bx, by); }
 
 private:
     size_t offset(int bx, int by) const {
@@ -64,7 +68,7 @@ DcPredictors PredictorsAfterRow(const JpegFrame& frame, int row);
 // there are several.
 void CountSequential(const JpegFrame& frame, int rowBegin, int rowEnd, DcPredictors& predictors, ScanCounts& counts);
 void EncodeSequential(const JpegFrame& frame, int rowBegin, int rowEnd, DcPredictors& predictors,
-                      const ScanCodes& codes, BitStream& out);
+                      const ScanCodes& codes, BitStream& out, JpegSimd simd = BestJpegSimd());
 
 // One scan of a progressive frame.
 struct ProgressiveScan {

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <thread>
+#include <cstdlib>
 
 namespace lx {
 namespace {
@@ -17,7 +17,7 @@ constexpr int kMaxParts = 16;
 // falls behind holds up little), run in parallel. The output does not depend on the split.
 template <class Fn>
 int ForEachPartOf(int count, int minPerPart, Fn fn) {
-    const int cores = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+    const int cores = PartThreads();
     return ForEachPart(count, std::clamp(count / std::max(minPerPart, 1), 1, std::min(kMaxParts, 4 * cores)), fn);
 }
 
@@ -117,6 +117,36 @@ void MakeAllCoefficients(JpegFrame& frame, const SampleSource& source) {
     });
 }
 
+// The same, counting the symbols of the sequential scan as each row is made, while its
+// coefficients are still in the cache. A part does not know the DC values that end the
+// part before it, so it counts its first MCU's DC differences from zero; once every part
+// is done, those few counts are moved to the right symbols.
+ScanCounts MakeAllCoefficientsCounting(JpegFrame& frame, const SampleSource& source) {
+    std::vector<ScanCounts> partCounts(kMaxParts);
+    std::vector<int> partBegins(kMaxParts, 0);
+    const int parts = ForEachPartOf(frame.mcusDown, 4, [&](int begin, int end, int part) {
+        CoefficientMaker maker(source.dib, frame, source.quantizers, source.smoothing);
+        DcPredictors predictors;
+        partBegins[part] = begin;
+        for (int row = begin; row < end; ++row) {
+            maker.make(row);
+            CountSequential(frame, row, row + 1, predictors, partCounts[part]);
+        }
+    });
+    for (int p = 1; p < parts; ++p) {
+        const DcPredictors before = PredictorsAfterRow(frame, partBegins[p] - 1);
+        for (size_t c = 0; c < frame.components.size(); ++c) {
+            const JpegComponent& comp = frame.components[c];
+            const int dc = comp.block(0, partBegins[p] * comp.vSampling)[0];
+            SymbolCounts& counts = partCounts[p].dc[comp.tableIndex];
+            --counts[BitLength(static_cast<uint32_t>(std::abs(dc)))];
+            ++counts[BitLength(static_cast<uint32_t>(std::abs(dc - before.value[c])))];
+        }
+        AddCounts(partCounts[0], partCounts[p]);
+    }
+    return partCounts[0];
+}
+
 // Writes the tables of a sequential scan and returns the codes made from them.
 ScanCodes PutSequentialTables(std::vector<uint8_t>& out, const JpegFrame& frame, const HuffmanSpec (&dc)[2],
                               const HuffmanSpec (&ac)[2]) {
@@ -141,6 +171,8 @@ void JoinParts(std::vector<uint8_t>& out, std::vector<BitStream>& parts, int cou
 // The sequential scan with the example tables. Nothing needs the whole image's
 // coefficients, so each part codes every MCU row right after transforming it; a part
 // that starts mid-image first transforms the row before it to learn the DC predictors.
+// The first part's bytes go out row by row as they are coded; the others are held and
+// joined on behind them.
 void PutStandardScan(std::vector<uint8_t>& out, const JpegFrame& frame, const SampleSource& source) {
     HuffmanSpec dc[2], ac[2];
     for (int s = 0; s < 2; ++s) {
@@ -156,35 +188,33 @@ void PutStandardScan(std::vector<uint8_t>& out, const JpegFrame& frame, const Sa
         if (begin > 0) {
             maker.make(begin - 1);
             predictors = PredictorsAfterRow(rows, begin - 1);
+            partBits[part].reserveBytes(static_cast<size_t>(end - begin) * frame.mcusAcross * 64);
         }
-        partBits[part].reserveBytes(static_cast<size_t>(end - begin) * frame.mcusAcross * 64);
         for (int row = begin; row < end; ++row) {
             maker.make(row);
             EncodeSequential(rows, row, row + 1, predictors, codes, partBits[part]);
+            if (begin == 0) partBits[part].drainStuffed(out);
         }
     });
     JoinParts(out, partBits, parts);
 }
 
-// The sequential scan with tables made for this image: count in parallel parts, build
-// the tables, then code in the same parts.
-void PutOptimizedScan(std::vector<uint8_t>& out, const JpegFrame& frame) {
-    std::vector<ScanCounts> partCounts(kMaxParts);
-    const int parts = ForEachPartOf(frame.mcusDown, 8, [&](int begin, int end, int part) {
-        DcPredictors predictors = begin > 0 ? PredictorsAfterRow(frame, begin - 1) : DcPredictors();
-        CountSequential(frame, begin, end, predictors, partCounts[part]);
-    });
-    for (int p = 1; p < parts; ++p) AddCounts(partCounts[0], partCounts[p]);
+// The sequential scan with tables made for this image from the symbols counted, coded in
+// parallel parts, the first one straight out as above.
+void PutOptimizedScan(std::vector<uint8_t>& out, const JpegFrame& frame, const ScanCounts& counts) {
     HuffmanSpec dc[2], ac[2];
     for (int s = 0; s < TableSlots(frame); ++s) {
-        dc[s] = OptimalSpec(partCounts[0].dc[s]);
-        ac[s] = OptimalSpec(partCounts[0].ac[s]);
+        dc[s] = OptimalSpec(counts.dc[s]);
+        ac[s] = OptimalSpec(counts.ac[s]);
     }
     const ScanCodes codes = PutSequentialTables(out, frame, dc, ac);
     std::vector<BitStream> partBits(kMaxParts);
-    ForEachPartOf(frame.mcusDown, 8, [&](int begin, int end, int part) {
+    const int parts = ForEachPartOf(frame.mcusDown, 8, [&](int begin, int end, int part) {
         DcPredictors predictors = begin > 0 ? PredictorsAfterRow(frame, begin - 1) : DcPredictors();
-        EncodeSequential(frame, begin, end, predictors, codes, partBits[part]);
+        for (int row = begin; row < end; ++row) {
+            EncodeSequential(frame, row, row + 1, predictors, codes, partBits[part]);
+            if (begin == 0) partBits[part].drainStuffed(out);
+        }
     });
     JoinParts(out, partBits, parts);
 }
@@ -247,13 +277,15 @@ std::vector<uint8_t> EncodeJpeg(const PackedDib& dib, const JpegSaveRecord& reco
     PutJfifHeader(out, dib);
     for (int s = 0; s < TableSlots(frame); ++s) PutQuantTable(out, s, tables[s]);
     PutFrameHeader(out, frame, progressive);
-    if (progressive || optimize) MakeAllCoefficients(frame, source);
-    if (progressive)
+    if (progressive) {
+        MakeAllCoefficients(frame, source);
         PutProgressiveScans(out, frame);
-    else if (optimize)
-        PutOptimizedScan(out, frame);
-    else
+    } else if (optimize) {
+        const ScanCounts counts = MakeAllCoefficientsCounting(frame, source);
+        PutOptimizedScan(out, frame, counts);
+    } else {
         PutStandardScan(out, frame, source);
+    }
     out.push_back(0xff);
     out.push_back(0xd9);
     return out;

@@ -7,6 +7,7 @@
 // equations.
 #include "JpegWriter.h"
 
+#include "JpegCoefficients.h"
 #include "JpegHuffman.h"
 #include "JpegSampling.h"
 #include "PnmReader.h"
@@ -454,6 +455,33 @@ uint64_t TextbookBits(const SymbolCounts& counts) {
 
 }  // namespace
 
+// Optimised tables are counted while the image is transformed, in parts that each start
+// without the DC values before them: they must still be the tables of the whole scan. Black
+// above flat grey: every DC difference after the edge is zero, and only a part that counted
+// its first one from zero would find a DC size of its own.
+TEST(JpegWriter, OptimisedTablesAreThoseOfTheWholeScansSymbols) {
+    PackedDib dib = PackedDib::Create(96, 400, 24);  // 25 MCU rows: several parts
+    for (int y = 16; y < dib.height(); ++y) std::fill(dib.row(y), dib.row(y) + 3 * dib.width(), uint8_t{200});
+    lx::JpegFrame frame = lx::PlanFrame(dib.width(), dib.height(), false, true);
+    const lx::DctQuantizer quantizers[2] = {lx::MakeDctQuantizer(lx::ScaledQuantTable(0, 75)),
+                                            lx::MakeDctQuantizer(lx::ScaledQuantTable(1, 75))};
+    lx::CoefficientMaker maker(dib, frame, quantizers, 0);
+    for (int row = 0; row < frame.mcusDown; ++row) maker.make(row);
+    lx::ScanCounts counts;
+    lx::DcPredictors predictors;
+    lx::CountSequential(frame, 0, frame.mcusDown, predictors, counts);
+    std::map<int, std::vector<uint8_t>> expected;
+    for (int slot = 0; slot < 2; ++slot)
+        for (int ac = 0; ac < 2; ++ac) {
+            const HuffmanSpec table = lx::OptimalSpec(ac ? counts.ac[slot] : counts.dc[slot]);
+            std::vector<uint8_t> payload{static_cast<uint8_t>(ac << 4 | slot)};
+            payload.insert(payload.end(), table.counts.begin(), table.counts.end());
+            payload.insert(payload.end(), table.symbols.begin(), table.symbols.begin() + table.symbolCount());
+            expected[payload[0]] = payload;
+        }
+    EXPECT_EQ(PayloadsByFirstByte(Segments(EncodeJpeg(dib, Record(75, 1))), 0xc4), expected);
+}
+
 TEST(JpegHuffman, OptimalTablesCostNoMoreThanTextbookHuffman) {
     std::mt19937 random(5);
     for (int round = 0; round < 50; ++round) {
@@ -526,9 +554,13 @@ TEST(JpegHuffman, StreamsJoinAtAnyBitPosition) {
             whole.put(value, count);
             (i < split ? first : second).put(value, count);
         }
+        // Whole words of the first part may already have gone out, stuffed.
+        std::vector<uint8_t> joined;
+        if (round % 2) first.drainStuffed(joined);
         first.append(second);
         EXPECT_EQ(first.bitCount(), whole.bitCount());
-        EXPECT_EQ(Stuffed(first), Stuffed(whole)) << round;
+        first.appendStuffed(joined);
+        EXPECT_EQ(joined, Stuffed(whole)) << round;
     }
 }
 
@@ -562,25 +594,37 @@ struct Planes {
     Row yTop, yBottom, cb, cr;
 };
 
-Planes Convert(const Row& pixels, int pixelBytes, int width, int paddedWidth) {
+// The plain path and each wider one the processor has.
+std::vector<lx::JpegSimd> SimdLevels() {
+    std::vector<lx::JpegSimd> levels;
+    for (int l = 0; l <= static_cast<int>(lx::BestJpegSimd()); ++l) levels.push_back(static_cast<lx::JpegSimd>(l));
+    return levels;
+}
+
+Planes Convert(const Row& pixels, int pixelBytes, int width, int paddedWidth,
+               lx::JpegSimd simd = lx::JpegSimd::Baseline) {
     Planes out{Row(paddedWidth), {}, Row(paddedWidth), Row(paddedWidth)};
-    lx::ConvertRowToYcc(pixels.data(), pixelBytes, width, paddedWidth, out.yTop.data(), out.cb.data(), out.cr.data());
+    lx::ConvertRowToYcc(pixels.data(), pixelBytes, width, paddedWidth, out.yTop.data(), out.cb.data(), out.cr.data(),
+                        simd);
     return out;
 }
 
-Planes Convert420(const Row& top, const Row& bottom, int pixelBytes, int width, int paddedWidth) {
+Planes Convert420(const Row& top, const Row& bottom, int pixelBytes, int width, int paddedWidth,
+                  lx::JpegSimd simd = lx::JpegSimd::Baseline) {
     Planes out{Row(paddedWidth), Row(paddedWidth), Row(paddedWidth / 2), Row(paddedWidth / 2)};
     lx::ConvertRowPairTo420(top.data(), bottom.data(), pixelBytes, width, paddedWidth, out.yTop.data(),
-                            out.yBottom.data(), out.cb.data(), out.cr.data());
+                            out.yBottom.data(), out.cb.data(), out.cr.data(), simd);
     return out;
 }
 
 TEST(JpegSampling, RowsConvertByTheJfifEquationsAndAsSinglePixelsDo) {
+    for (lx::JpegSimd simd : SimdLevels())
     for (int pixelBytes : {3, 4})
         for (int width : {1, 9, 10, 17, 37, 64, 203}) {
-            SCOPED_TRACE(std::to_string(pixelBytes) + " bytes, width " + std::to_string(width));
+            SCOPED_TRACE(std::to_string(pixelBytes) + " bytes, width " + std::to_string(width) + ", level " +
+                         std::to_string(static_cast<int>(simd)));
             const Row row = RandomRow(width, pixelBytes, static_cast<unsigned>(width * pixelBytes));
-            const Planes whole = Convert(row, pixelBytes, width, width + 5);
+            const Planes whole = Convert(row, pixelBytes, width, width + 5, simd);
             for (int x = 0; x < width; ++x) {
                 const Row one(row.begin() + x * pixelBytes, row.begin() + (x + 1) * pixelBytes);
                 const Planes single = Convert(one, pixelBytes, 1, 1);
@@ -604,13 +648,15 @@ TEST(JpegSampling, RowsConvertByTheJfifEquationsAndAsSinglePixelsDo) {
 }
 
 TEST(JpegSampling, SubsampledChromaIsTheMeanOfItsSquareAsSquaresAloneGiveIt) {
+    for (lx::JpegSimd simd : SimdLevels())
     for (int pixelBytes : {3, 4})
         for (int width : {2, 9, 10, 17, 37, 38, 203}) {  // odd: the last square is one column twice
-            SCOPED_TRACE(std::to_string(pixelBytes) + " bytes, width " + std::to_string(width));
+            SCOPED_TRACE(std::to_string(pixelBytes) + " bytes, width " + std::to_string(width) + ", level " +
+                         std::to_string(static_cast<int>(simd)));
             const Row top = RandomRow(width, pixelBytes, static_cast<unsigned>(width));
             const Row bottom = RandomRow(width, pixelBytes, static_cast<unsigned>(width + 1000));
             const int padded = (width + 15) / 16 * 16;
-            const Planes whole = Convert420(top, bottom, pixelBytes, width, padded);
+            const Planes whole = Convert420(top, bottom, pixelBytes, width, padded, simd);
             // Luma is the plain conversion of each row.
             EXPECT_EQ(whole.yTop, Convert(top, pixelBytes, width, padded).yTop);
             EXPECT_EQ(whole.yBottom, Convert(bottom, pixelBytes, width, padded).yTop);
