@@ -10,6 +10,7 @@ packages=(
   wine wine64 xvfb xauth x11-apps x11-utils xdotool fonts-ipafont-gothic
   imagemagick qpdf poppler-utils libjpeg-turbo-progs libimage-exiftool-perl
   libvips-tools img2pdf python3-pil python3-numpy hyperfine bc time locales chromium
+  python3-skimage  # real photographs (its sample pictures) for the JPEG decoder tests
 )
 
 missing=()
