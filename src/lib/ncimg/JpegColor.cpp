@@ -76,9 +76,13 @@ void YccToBgr(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, int width,
     const YccTables& t = Tables();
     int x = 0;
 #ifdef __SSE2__
-    // Pixels go out as four-byte stores, each overwriting the first byte of the next pixel,
-    // so the vector loop stops one pixel short of the row's end.
+    // Two pixels at a time go out as one eight-byte store of which six bytes count; the next
+    // store overwrites the rest, so the vector loop stops one pixel short of the row's end.
     const __m128i zero = _mm_setzero_si128();
+    auto putPair = [](uint8_t* out, uint64_t twoPixels) {  // B G R 0 B G R 0 -> B G R B G R
+        const uint64_t packed = (twoPixels & 0xFFFFFFu) | ((twoPixels >> 8) & 0xFFFFFF000000u);
+        std::memcpy(out, &packed, 8);
+    };
     for (; x + 17 <= width; x += 16, bgr += 48) {
         const YccVector lo = YccEight(y + x, cb + x, cr + x), hi = YccEight(y + x + 8, cb + x + 8, cr + x + 8);
         const __m128i b = _mm_packus_epi16(lo.b, hi.b), g = _mm_packus_epi16(lo.g, hi.g);
@@ -88,9 +92,9 @@ void YccToBgr(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, int width,
         uint8_t* out = bgr;
         for (int half = 0; half < 2; ++half) {
             for (const __m128i quad : {_mm_unpacklo_epi16(bg[half], r0[half]), _mm_unpackhi_epi16(bg[half], r0[half])}) {
-                alignas(16) uint32_t p[4];
-                _mm_store_si128(reinterpret_cast<__m128i*>(p), quad);
-                for (int i = 0; i < 4; ++i, out += 3) std::memcpy(out, &p[i], 4);
+                putPair(out, static_cast<uint64_t>(_mm_cvtsi128_si64(quad)));
+                putPair(out + 6, static_cast<uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(quad, quad))));
+                out += 12;
             }
         }
     }

@@ -12,6 +12,7 @@ const std::array<uint8_t, 80> kNaturalOrderPadded = [] {
 
 bool HuffmanDecoder::build(const HuffmanSpec& spec, bool dc) {
     fast.fill(0);
+    acFast.fill(0);
     maxCode.fill(-1);
     valueOffset.fill(0);
     int32_t code = 0;
@@ -36,6 +37,15 @@ bool HuffmanDecoder::build(const HuffmanSpec& spec, bool dc) {
             maxCode[length] = code - 1;
         }
         code <<= 1;
+    }
+    if (!dc) {
+        for (int look = 0; look < (1 << kLookBits); ++look) {
+            const int length = fast[look] >> 8, rs = fast[look] & 0xFF, size = rs & 15;
+            if (!length || !size || length + size > kLookBits) continue;
+            const int raw = (look >> (kLookBits - length - size)) & ((1 << size) - 1);
+            const int value = raw < (1 << (size - 1)) ? raw - (1 << size) + 1 : raw;
+            acFast[look] = static_cast<int32_t>(static_cast<uint32_t>(value) << 16) | (rs >> 4) << 4 | (length + size);
+        }
     }
     return true;
 }
@@ -153,6 +163,15 @@ bool DecodeSequentialBlock(JpegBitReader& in, const HuffmanDecoder& dcTable, con
     block[0] = static_cast<int16_t>(dc);
     bool ac = false;
     for (int k = 1; k < 64; ++k) {
+        in.ensure(32);  // enough for any code and its value
+        const int32_t hit = acTable.acFast[in.peek(HuffmanDecoder::kLookBits)];
+        if (hit) {
+            in.skip(hit & 15);
+            k += (hit >> 4) & 15;
+            block[kNaturalOrderPadded[k]] = static_cast<int16_t>(hit >> 16);
+            ac = true;
+            continue;
+        }
         const int rs = in.decode(acTable);
         const int run = rs >> 4, size = rs & 15;
         if (size) {
@@ -164,6 +183,7 @@ bool DecodeSequentialBlock(JpegBitReader& in, const HuffmanDecoder& dcTable, con
             k += 15;
         }
     }
+    in.noteEnd();
     return ac;
 }
 
@@ -172,10 +192,12 @@ void DecodeDcFirst(JpegBitReader& in, const HuffmanDecoder& dcTable, int& dc, in
     const int diff = s ? in.value(s) : 0;
     dc = static_cast<int>(static_cast<uint32_t>(dc) + static_cast<uint32_t>(diff));
     block[0] = static_cast<int16_t>(static_cast<uint32_t>(dc) << al);
+    in.noteEnd();
 }
 
 void DecodeDcRefine(JpegBitReader& in, int al, int16_t* block) {
     if (in.bits(1)) block[0] = static_cast<int16_t>(block[0] | (1 << al));
+    in.noteEnd();
 }
 
 void DecodeAcFirst(JpegBitReader& in, const HuffmanDecoder& acTable, int ss, int se, int al, uint32_t& eobRun,
@@ -195,9 +217,10 @@ void DecodeAcFirst(JpegBitReader& in, const HuffmanDecoder& acTable, int ss, int
         } else {
             eobRun = (1u << run) - 1;
             if (run) eobRun += in.bits(run);
-            return;
+            break;
         }
     }
+    in.noteEnd();
 }
 
 namespace {
@@ -244,6 +267,7 @@ void DecodeAcRefine(JpegBitReader& in, const HuffmanDecoder& acTable, int ss, in
         }
         --eobRun;
     }
+    in.noteEnd();
 }
 
 }  // namespace lx

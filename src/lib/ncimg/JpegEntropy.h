@@ -28,6 +28,9 @@ struct HuffmanDecoder {
     std::array<int32_t, 18> maxCode{};    // largest code of each length, -1 when none
     std::array<int32_t, 18> valueOffset{};  // symbol index = code + valueOffset[length]
     std::array<uint8_t, 256> symbols{};
+    // For AC tables: (value << 16) | (run << 4) | bits, for every code whose coefficient value
+    // also lies within the kLookBits bits (bits = code and value together); 0 otherwise.
+    std::array<int32_t, 1 << kLookBits> acFast{};
 
     // False for a table whose counts overflow the code space (or, for DC, symbols above 15).
     bool build(const HuffmanSpec& spec, bool dc);
@@ -40,14 +43,16 @@ public:
     // The position after the bytes taken so far: at the marker that ended the data, if any.
     size_t position() const { return pos_; }
     // True once a code or value needed bits past the segment's end.
-    bool insufficient() const { return insufficient_; }
+    bool insufficient() const { return insufficient_ || bits_ < fakeBits_; }
 
     void ensure(int n) {
         if (bits_ < n) fill();
     }
     uint32_t peek(int n) const { return static_cast<uint32_t>(acc_ >> (bits_ - n)) & ((1u << n) - 1); }
-    void skip(int n) {
-        bits_ -= n;
+    // Whether bits were taken past the data is checked once per block (noteEnd), not per code:
+    // once bits_ falls below fakeBits_ it stays below until a restart.
+    void skip(int n) { bits_ -= n; }
+    void noteEnd() {
         if (bits_ < fakeBits_) insufficient_ = true;
     }
     uint32_t bits(int n) {
