@@ -22,7 +22,7 @@ bool HuffmanDecoder::build(const HuffmanSpec& spec, bool dc) {
         if (n) {
             valueOffset[length] = index - code;
             for (int i = 0; i < n; ++i, ++code, ++index) {
-                if (index >= 256) return false;
+                if (index >= 256 || code >= (1 << length)) return false;
                 const uint8_t symbol = spec.symbols[index];
                 if (dc && symbol > 15) return false;
                 symbols[index] = symbol;

@@ -1,3 +1,9 @@
+// How a picture is decoded: a file of one scan holding every component (baseline, the
+// common case) is entropy-decoded and transformed one MCU row at a time straight into a ring
+// of three rows per component, and each row is upsampled and converted into the DIB as soon
+// as the row below it (the chroma filter's context) is there; nothing else of the picture is
+// kept. Progressive and other multi-scan files first gather every block's coefficients from
+// all their scans, then run the same row pipeline from the coefficients.
 #include "JpegReader.h"
 
 #include "ImageLoadSupport.h"
