@@ -29,6 +29,15 @@ constexpr int kRingBands = 3;
 
 int CeilDiv(int64_t a, int64_t b) { return static_cast<int>((a + b - 1) / b); }
 
+// Whether any of coefficients 1..63 is set: a block without them comes out flat.
+bool HasAc(const int16_t* block) {
+    uint64_t words[16];
+    std::memcpy(words, block, sizeof words);
+    uint64_t any = words[0] & ~uint64_t{0xFFFF};  // the DC coefficient is the first two bytes
+    for (int i = 1; i < 16; ++i) any |= words[i];
+    return any != 0;
+}
+
 enum class Upsample { Direct, H2V1Fancy, H2V2Fancy, H1V2Fancy, Replicate };
 
 struct Component {
@@ -258,7 +267,10 @@ void Decoder::transformBand(int band) {
         for (int by = 0; by < c.v; ++by) {
             const int16_t* block = &c.coefs[static_cast<size_t>(band * c.v + by) * c.blocksW * 64];
             uint8_t* out = base + by * c.size * c.stride;
-            for (int bx = 0; bx < c.blocksW; ++bx, block += 64) c.idct(block, c.quant.data(), out + bx * c.size, c.stride);
+            for (int bx = 0; bx < c.blocksW; ++bx, block += 64) {
+                if (HasAc(block)) c.idct(block, c.quant.data(), out + bx * c.size, c.stride);
+                else IdctFlat(block[0], c.quant[0], out + bx * c.size, c.stride, c.size);
+            }
         }
     }
 }
