@@ -65,8 +65,8 @@ void JpegBitReader::fill() {
             // A byte of 0xFF has all its bits set: test for it with the classic zero-byte trick.
             const uint64_t inverted = ~word;
             if (((inverted - 0x0101010101010101ull) & ~inverted & 0x8080808080808080ull) == 0) {
-                const int take = (64 - bits_) / 8;
-                for (int i = 0; i < take; ++i) acc_ = acc_ << 8 | data_[pos_ + i];
+                const int take = bits_ > 7 ? (64 - bits_) / 8 : 7;  // 1..7 bytes, as many as fit
+                acc_ = acc_ << (take * 8) | __builtin_bswap64(word) >> (64 - take * 8);
                 pos_ += take;
                 bits_ += take * 8;
                 continue;
@@ -156,7 +156,7 @@ void JpegBitReader::restart(int expected) {
 }
 
 bool DecodeSequentialBlock(JpegBitReader& in, const HuffmanDecoder& dcTable, const HuffmanDecoder& acTable, int& dc,
-                           int16_t* block) {
+                           int16_t* block, bool keepAc) {
     const int s = in.decode(dcTable);
     const int diff = s ? in.value(s) : 0;
     dc = static_cast<int>(static_cast<uint32_t>(dc) + static_cast<uint32_t>(diff));
@@ -168,7 +168,7 @@ bool DecodeSequentialBlock(JpegBitReader& in, const HuffmanDecoder& dcTable, con
         if (hit) {
             in.skip(hit & 15);
             k += (hit >> 4) & 15;
-            block[kNaturalOrderPadded[k]] = static_cast<int16_t>(hit >> 16);
+            if (keepAc) block[kNaturalOrderPadded[k]] = static_cast<int16_t>(hit >> 16);
             ac = true;
             continue;
         }
@@ -176,7 +176,8 @@ bool DecodeSequentialBlock(JpegBitReader& in, const HuffmanDecoder& dcTable, con
         const int run = rs >> 4, size = rs & 15;
         if (size) {
             k += run;
-            block[kNaturalOrderPadded[k]] = static_cast<int16_t>(in.value(size));
+            const int value = in.value(size);
+            if (keepAc) block[kNaturalOrderPadded[k]] = static_cast<int16_t>(value);
             ac = true;
         } else {
             if (run != 15) break;
@@ -184,7 +185,7 @@ bool DecodeSequentialBlock(JpegBitReader& in, const HuffmanDecoder& dcTable, con
         }
     }
     in.noteEnd();
-    return ac;
+    return ac && keepAc;
 }
 
 void DecodeDcFirst(JpegBitReader& in, const HuffmanDecoder& dcTable, int& dc, int al, int16_t* block) {

@@ -98,9 +98,10 @@ private:
 
 // One block of a sequential scan into `block` (natural order, zeroed by the caller); `dc` is
 // the component's running DC value. False when the block has no AC coefficient (a flat
-// block, which needs no transform).
+// block, which needs no transform). Without keepAc the AC coefficients are read past but not
+// stored (the 1/8 size needs DC alone) and the block counts as flat.
 bool DecodeSequentialBlock(JpegBitReader& in, const HuffmanDecoder& dcTable, const HuffmanDecoder& acTable, int& dc,
-                           int16_t* block);
+                           int16_t* block, bool keepAc = true);
 
 // Progressive passes over one block: first DC scan, DC refinement, first AC scan (Ss..Se),
 // AC refinement. `eobRun` is the scan's running end-of-band count.

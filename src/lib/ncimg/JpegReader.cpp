@@ -206,7 +206,7 @@ void Decoder::decodeStreamingBand(int band) {
             for (int by = 0; by < c.v; ++by) {
                 for (int bx = 0; bx < c.h; ++bx) {
                     std::memset(block, 0, sizeof block);
-                    const bool flat = empty || !DecodeSequentialBlock(bits_, dc, ac, c.dc, block);
+                    const bool flat = empty || !DecodeSequentialBlock(bits_, dc, ac, c.dc, block, c.size > 1);
                     uint8_t* out = base + by * c.size * c.stride + (mx * c.h + bx) * c.size;
                     if (flat) IdctFlat(block[0], c.quant[0], out, c.stride, c.size);
                     else c.idct(block, c.quant.data(), out, c.stride);
