@@ -2,6 +2,7 @@
 
 #include "ExifReader.h"
 #include "ImageCodecs.h"
+#include "ImageLoad.h"
 #include "ImageTypes.h"
 #include "mif.h"
 
@@ -48,8 +49,9 @@ ThumbSize FitInBox(int width, int height, int box) {
     return {scaled(width, height), box};
 }
 
-std::optional<PackedDib> FitThumbnail(PackedDib picture, int box) {
-    const ThumbSize size = FitInBox(picture.width(), picture.height(), box);
+std::optional<PackedDib> FitThumbnail(PackedDib picture, int box, ThumbSize fullSize) {
+    if (fullSize.width <= 0 || fullSize.height <= 0) fullSize = {picture.width(), picture.height()};
+    const ThumbSize size = FitInBox(fullSize.width, fullSize.height, box);
     if (size.width == 0) return std::nullopt;
     // The list's cells are not transparent, and a fully transparent pixel often carries black.
     FlattenAlpha(picture, 255);
@@ -101,9 +103,11 @@ std::optional<PackedDib> MakeThumbnailDib(const std::filesystem::path& path, int
         if (!source.isOpen()) return std::nullopt;
         if (auto thumbnail = EmbeddedThumbnail(source, box)) return thumbnail;
     }
-    auto picture = LoadImageFile(path);
+    // A JPEG comes decoded at a reduced size that still covers the box.
+    PictureSize full;
+    auto picture = LoadImageFileToCover(path, box, box, &full);
     if (!picture) return std::nullopt;
-    return FitThumbnail(std::move(*picture), box);
+    return FitThumbnail(std::move(*picture), box, {full.width, full.height});
 }
 
 std::optional<PackedDib> MakeThumbnailDibFromBytes(std::span<const uint8_t> file, const std::filesystem::path& name,

@@ -3,9 +3,9 @@
 //
 // Fast path: JPEG, TIFF and camera raw files usually embed a small picture in their Exif
 // data; the smallest one whose long side reaches `box` is decoded from memory and turned
-// upright by the file's orientation. Otherwise the whole image is loaded (LoadImageFile,
-// which turns photographs upright itself) and reduced with the image class's high-quality
-// area averaging. Pictures smaller than the box keep their size; transparency is laid over
+// upright by the file's orientation. Otherwise the image is loaded (LoadImageFileToCover:
+// a JPEG at the smallest reduced size that still covers the box, upright) and reduced with
+// the image class's high-quality area averaging to the size its whole picture would get. Pictures smaller than the box keep their size; transparency is laid over
 // white. nullopt when the file cannot be read or decoded. Safe to run on several threads.
 #pragma once
 
@@ -51,7 +51,9 @@ void FlattenAlpha(PackedDib& picture, uint8_t background);
 // upright at its own size; nullopt when there is none.
 std::optional<PackedDib> EmbeddedPicture(ByteSource& source, int minLongSide);
 
-// Reduces a decoded picture to fit `box` and makes it 24-bit; nullopt when it cannot.
-std::optional<PackedDib> FitThumbnail(PackedDib picture, int box = kThumbnailBox);
+// Reduces a decoded picture to fit `box` and makes it 24-bit; nullopt when it cannot. The
+// size is that of a picture of `fullSize` fitted (the picture's own size when not given), so a
+// picture decoded at a reduced scale gives the thumbnail the whole one would.
+std::optional<PackedDib> FitThumbnail(PackedDib picture, int box = kThumbnailBox, ThumbSize fullSize = {});
 
 }  // namespace lx

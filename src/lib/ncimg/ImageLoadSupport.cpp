@@ -16,6 +16,14 @@ bool PlausibleSize(int64_t width, int64_t height, size_t inputBytes) {
     return pixels <= kAlwaysAllowed || static_cast<uint64_t>(pixels / 1024) <= static_cast<uint64_t>(inputBytes);
 }
 
+bool PlausibleForCompression(int64_t width, int64_t height, uint64_t encodedBytes, uint64_t mostPixelsPerByte) {
+    // PlausibleSize allows 1024 pixels per byte; the encoded size is scaled so that the
+    // codec's own limit applies instead.
+    const uint64_t perByte = mostPixelsPerByte ? mostPixelsPerByte : 1;
+    const uint64_t scaled = encodedBytes > SIZE_MAX / perByte ? SIZE_MAX : encodedBytes * perByte / 1024;
+    return PlausibleSize(width, height, static_cast<size_t>(scaled));
+}
+
 PackedDib NewImage(int64_t width, int64_t height, int bitCount, size_t inputBytes) {
     if (!PlausibleSize(width, height, inputBytes)) return {};
     return PackedDib::Create(static_cast<int>(width), static_cast<int>(height), bitCount);

@@ -63,6 +63,15 @@ private:
 // byte, so a tiny file claiming a huge canvas is refused before anything is allocated.
 bool PlausibleSize(int64_t width, int64_t height, size_t inputBytes);
 
+// The same check for a codec whose best compression is known: `encodedBytes` of it can
+// stand for at most `mostPixelsPerByte` pixels each.
+bool PlausibleForCompression(int64_t width, int64_t height, uint64_t encodedBytes, uint64_t mostPixelsPerByte);
+
+// Every 8 x 8 block of a full-resolution JPEG component takes at least one Huffman-coded
+// bit (two in a baseline file): 12 megapixels need 23 KB or more, and cjpeg makes 70 KB of
+// a blank 12-megapixel sky even progressive with optimised tables.
+constexpr uint64_t kJpegMostPixelsPerByte = 64 * 8;
+
 // A new image of the given depth, or an empty one when the size is not plausible.
 PackedDib NewImage(int64_t width, int64_t height, int bitCount, size_t inputBytes);
 

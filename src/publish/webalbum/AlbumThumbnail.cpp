@@ -42,19 +42,25 @@ std::optional<AlbumPicture> LoadAlbumPicture(const std::wstring& source, int max
         if (file.isOpen()) {
             // The caption belongs to the photograph, whichever picture of it is shown.
             std::wstring altText = WideFromUtf8(ReadDescription(file));
-            if (auto embedded = EmbeddedPicture(file, std::max(maxWidth, maxHeight)))
-                return AlbumPicture{std::move(*embedded), std::move(altText)};
-            if (auto whole = LoadImageFile(path)) return AlbumPicture{std::move(*whole), std::move(altText)};
+            if (auto embedded = EmbeddedPicture(file, std::max(maxWidth, maxHeight))) {
+                const ThumbSize size{embedded->width(), embedded->height()};
+                return AlbumPicture{std::move(*embedded), std::move(altText), size};
+            }
+            PictureSize full;
+            if (auto picture = LoadImageFileToCover(path, maxWidth, maxHeight, &full))
+                return AlbumPicture{std::move(*picture), std::move(altText), {full.width, full.height}};
             return std::nullopt;
         }
     }
-    auto whole = LoadImageFile(path);
-    if (!whole) return std::nullopt;
-    return AlbumPicture{std::move(*whole), {}};
+    PictureSize full;
+    auto picture = LoadImageFileToCover(path, maxWidth, maxHeight, &full);
+    if (!picture) return std::nullopt;
+    return AlbumPicture{std::move(*picture), {}, {full.width, full.height}};
 }
 
-bool ShrinkToThumbnail(PackedDib& picture, int maxWidth, int maxHeight) {
-    const ThumbSize size = AlbumThumbnailSize(picture.width(), picture.height(), maxWidth, maxHeight);
+bool ShrinkToThumbnail(PackedDib& picture, int maxWidth, int maxHeight, ThumbSize sourceSize) {
+    if (sourceSize.width <= 0 || sourceSize.height <= 0) sourceSize = {picture.width(), picture.height()};
+    const ThumbSize size = AlbumThumbnailSize(sourceSize.width, sourceSize.height, maxWidth, maxHeight);
     if (size.width == picture.width() && size.height == picture.height()) return true;
     mif image;
     if (!image.attachdib(std::move(picture))) return false;

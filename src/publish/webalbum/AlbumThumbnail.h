@@ -21,17 +21,18 @@ ThumbSize AlbumThumbnailSize(int width, int height, int maxWidth, int maxHeight)
 struct AlbumPicture {
     PackedDib picture;
     std::wstring altText;
+    ThumbSize sourceSize;  // the size the thumbnail rule starts from (a reduced decode is smaller)
 };
 
 // Loads `source` for a thumbnail of the given box. Photographs that embed a picture at least
 // as large as the box (camera previews, Exif thumbnails) give that picture, upright, and the
-// file's description as the caption; everything else is loaded whole. nullopt when nothing
-// can decode the file.
+// file's description as the caption; everything else is loaded at the smallest reduced size
+// that still covers the box (LoadImageFileToCover). nullopt when nothing can decode the file.
 std::optional<AlbumPicture> LoadAlbumPicture(const std::wstring& source, int maxWidth, int maxHeight);
 
-// The picture shrunk by AlbumThumbnailSize with the high-quality reduction; false when the
-// reduction fails.
-bool ShrinkToThumbnail(PackedDib& picture, int maxWidth, int maxHeight);
+// The picture shrunk by AlbumThumbnailSize (of `sourceSize`, or the picture's own size when
+// not given) with the high-quality reduction; false when the reduction fails.
+bool ShrinkToThumbnail(PackedDib& picture, int maxWidth, int maxHeight, ThumbSize sourceSize = {});
 
 // Writes `picture` to `path` in the thumbnail format (0 JPEG at quality 60, 1 PNG, 2 GIF;
 // any other value JPEG). False when nothing could be written.

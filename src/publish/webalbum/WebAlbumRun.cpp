@@ -116,7 +116,7 @@ private:
         if (!loaded) return cell;
         cell.altText = loaded->altText;
         sink_.SetLine(1, texts_.saving, false);
-        if (!ShrinkToThumbnail(loaded->picture, layout_.thumbWidth, layout_.thumbHeight)) return cell;
+        if (!ShrinkToThumbnail(loaded->picture, layout_.thumbWidth, layout_.thumbHeight, loaded->sourceSize)) return cell;
         sink_.SetLine(1, texts_.converting, false);
         const std::wstring name = ThumbnailFileName(source, ThumbFormat(settings_), fs_);
         const std::wstring thumbnail = JoinFolder(folder_, name);

@@ -1,8 +1,8 @@
 // Loading, saving and probing through the format table's entry points: files by name and by
 // content, the Exif orientation, the depth conversions of saving, and camera raw files, which
-// fall back to their largest embedded image. Natively only the bitmap thumbnail of a raw
-// file decodes (JPEG needs the system's decoder, checked under Wine), but which image is
-// chosen, its bytes and the orientation to apply are the same everywhere.
+// fall back to their largest embedded image. JPEG files load with our own decoder, upright,
+// and at a reduced size when a smaller picture is wanted; which embedded image is chosen, its
+// bytes and the orientation to apply are the same everywhere.
 #include "BmpWriter.h"
 #include "ImageLoad.h"
 #include "ImageLoadOrientation.h"
@@ -11,7 +11,9 @@
 #include "ImageProbe.h"
 #include "ImageSave.h"
 #include "ImageSaveConvert.h"
+#include "JpegReader.h"
 #include "JpegWriter.h"
+#include "PnmWriter.h"
 #include "RawPreview.h"
 #include "RawTestFiles.h"
 #include "TgaWriter.h"
@@ -70,6 +72,41 @@ TEST(ExifOrientation, ReadFromJpegAndTiffFiles) {
     EXPECT_EQ(lx::ReadExifOrientation(lxtest::ReadFile(jpeg)), 8);
     const std::vector<uint8_t> cut = {0xff, 0xd8, 0xff, 0xe1, 0x00, 0x40, 'E', 'x'};
     EXPECT_EQ(lx::ReadExifOrientation(cut), 0);
+}
+
+// A photograph turned a quarter by its orientation covers a wanted box with its sides
+// swapped; anything not JPEG loads whole.
+TEST(LoadImageFileToCover, JpegAtTheSmallestCoveringScaleUpright) {
+    LX_REQUIRE_TOOLS("cjpeg exiftool");
+    lxtest::ScratchDir dir("cover");
+    lxtest::WriteFile(dir / "p.ppm", EncodePnm(lxtest::SyntheticRgb(64, 40)));
+    const auto jpeg = dir / "p.jpg";
+    ASSERT_EQ(lxtest::Run("cjpeg -quality 95 -outfile '" + jpeg.string() + "' '" + (dir / "p.ppm").string() + "'"), 0);
+    ASSERT_EQ(lxtest::Run("exiftool -q -Orientation#=6 -overwrite_original '" + jpeg.string() + "'"), 0);
+    const struct { int wantWidth, wantHeight, width, height, denom; } cases[] = {
+        {1, 1, 5, 8, 8}, {10, 16, 10, 16, 4}, {11, 17, 20, 32, 2}, {40, 64, 40, 64, 1}, {400, 400, 40, 64, 1}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.wantWidth);
+        PictureSize full;
+        const auto dib = LoadImageFileToCover(jpeg, c.wantWidth, c.wantHeight, &full);
+        ASSERT_TRUE(dib);
+        EXPECT_EQ(dib->width(), c.width);
+        EXPECT_EQ(dib->height(), c.height);
+        EXPECT_TRUE(full.width == 40 && full.height == 64);
+        // Orientation 6 puts the stored top-left corner at the top right.
+        const auto stored = ReadJpeg(lxtest::ReadFile(jpeg), c.denom);
+        ASSERT_TRUE(stored);
+        EXPECT_EQ(dib->pixel(dib->width() - 1, 0), stored->pixel(0, 0));
+    }
+    const auto whole = LoadImageFile(jpeg);
+    ASSERT_TRUE(whole);
+    EXPECT_TRUE(whole->width() == 40 && whole->height() == 64);
+    const PackedDib bitmap = lxtest::SyntheticRgb(30, 20);
+    lxtest::WriteFile(dir / "b.bmp", EncodeBmp(bitmap));
+    PictureSize full;
+    const auto bmp = LoadImageFileToCover(dir / "b.bmp", 2, 2, &full);
+    ASSERT_TRUE(bmp);
+    EXPECT_TRUE(bmp->width() == 30 && full.width == 30 && full.height == 20);
 }
 
 #endif

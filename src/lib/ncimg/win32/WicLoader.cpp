@@ -85,10 +85,7 @@ UINT PixelFormatBits(IWICImagingFactory* factory, const WICPixelFormatGUID& form
 
 // The most pixels one byte of the container can stand for, at its best compression.
 uint64_t MostPixelsPerByte(const GUID& container, UINT width, UINT bitsPerPixel) {
-    // Every 8 x 8 block of the full-resolution component takes at least one Huffman-coded
-    // bit (two in a baseline file): 12 megapixels need 23 KB or more, and cjpeg makes
-    // 70 KB of a blank 12-megapixel sky even progressive with optimised tables.
-    if (container == GUID_ContainerFormatJpeg) return 64 * 8;
+    if (container == GUID_ContainerFormatJpeg) return kJpegMostPixelsPerByte;
     // Deflate turns two bits into at most one 258-byte match.
     if (container == GUID_ContainerFormatPng) return 1032 * 8 / std::max(bitsPerPixel, 1u);
     // A 12-bit LZW code stands for at most 4096 pixels.
@@ -98,12 +95,9 @@ uint64_t MostPixelsPerByte(const GUID& container, UINT width, UINT bitsPerPixel)
     return 1024;  // as the library's own readers allow
 }
 
-// Whether `encodedBytes` of the container can describe the frame. PlausibleSize allows 1024
-// pixels per input byte; the encoded size is scaled so that the container's own limit applies.
+// Whether `encodedBytes` of the container can describe the frame.
 bool PlausibleForEncoding(const GUID& container, UINT width, UINT height, UINT bitsPerPixel, uint64_t encodedBytes) {
-    const uint64_t perByte = MostPixelsPerByte(container, width, bitsPerPixel);
-    const uint64_t scaled = encodedBytes > SIZE_MAX / perByte ? SIZE_MAX : encodedBytes * perByte / 1024;
-    return PlausibleSize(width, height, static_cast<size_t>(scaled));
+    return PlausibleForCompression(width, height, encodedBytes, MostPixelsPerByte(container, width, bitsPerPixel));
 }
 
 // Rows come from WIC top-down, one at a time, straight into the DIB's bottom-up rows.
