@@ -26,8 +26,9 @@ SlidePlacement PlaceSlide(int width, int height, int screenWidth, int screenHeig
             static_cast<int>(h)};
 }
 
-std::optional<PackedDib> PrepareSlidePicture(PackedDib picture, int screenWidth, int screenHeight) {
-    const SlidePlacement place = PlaceSlide(picture.width(), picture.height(), screenWidth, screenHeight);
+std::optional<PackedDib> PrepareSlidePicture(PackedDib picture, int screenWidth, int screenHeight, PictureSize full) {
+    if (full.width <= 0 || full.height <= 0) full = {picture.width(), picture.height()};
+    const SlidePlacement place = PlaceSlide(full.width, full.height, screenWidth, screenHeight);
     if (place.width == 0) return std::nullopt;
     FlattenAlpha(picture, 0);
     mif image;

@@ -7,6 +7,7 @@
 
 #include <optional>
 
+#include "ImageLoad.h"
 #include "PackedDib.h"
 
 namespace lx {
@@ -21,7 +22,10 @@ struct SlidePlacement {
 SlidePlacement PlaceSlide(int width, int height, int screenWidth, int screenHeight);
 
 // The picture as it is shown: reduced to its placement's size when larger than the screen,
-// transparency laid over the show's black, 24 bits. nullopt when it cannot be done.
-std::optional<PackedDib> PrepareSlidePicture(PackedDib picture, int screenWidth, int screenHeight);
+// transparency laid over the show's black, 24 bits. nullopt when it cannot be done. A picture
+// decoded at a reduced size passes its full size as `full`, so that it is placed exactly as
+// the whole picture would be.
+std::optional<PackedDib> PrepareSlidePicture(PackedDib picture, int screenWidth, int screenHeight,
+                                             PictureSize full = {});
 
 }  // namespace lx

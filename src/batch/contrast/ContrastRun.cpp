@@ -1,6 +1,7 @@
 #include "ContrastRun.h"
 
 #include <filesystem>
+#include <limits>
 
 #include "AtomicFile.h"
 #include "ImageLoad.h"
@@ -15,11 +16,14 @@ PixelSize ContrastSize(int width, int height) {
     return {scaled < 1 ? 1 : static_cast<int>(scaled), kContrastMaxHeight};
 }
 
-std::vector<uint8_t> ContrastJpeg(PackedDib image) {
+std::vector<uint8_t> ContrastJpeg(PackedDib image, PictureSize full) {
+    if (full.width <= 0 || full.height <= 0) full = {image.width(), image.height()};
     mif picture;
     if (!picture.attachdib(std::move(image)) || !picture.grayscale()) return {};
-    const PixelSize size = ContrastSize(picture.width(), picture.height());
-    if (size.height != picture.height() && !picture.zoom(size.width, size.height, kZoomHighQuality, 0)) return {};
+    const PixelSize size = ContrastSize(full.width, full.height);
+    if ((size.width != picture.width() || size.height != picture.height()) &&
+        !picture.zoom(size.width, size.height, kZoomHighQuality, 0))
+        return {};
     if (!picture.normalize(nullptr)) return {};
     // Quality 75, standard form, no smoothing: the record's defaults.
     return EncodeJpeg(picture.dib(), JpegSaveRecord{});
@@ -41,8 +45,13 @@ ContrastRunResult RunContrastResize(const std::vector<std::wstring>& files, cons
         const std::wstring& source = files[index];
         sink.SetLine(1, texts.loading, false);
         sink.SetLine(2, source, true);
-        std::optional<PackedDib> image = LoadImageFile(std::filesystem::path(source));
-        const std::vector<uint8_t> jpeg = image && !image->empty() ? ContrastJpeg(std::move(*image)) : std::vector<uint8_t>();
+        // Only the height is bounded: a large JPEG is decoded at the smallest size that is
+        // still at least that tall.
+        PictureSize full;
+        std::optional<PackedDib> image =
+            LoadImageFileToCover(std::filesystem::path(source), std::numeric_limits<int>::max(), kContrastMaxHeight, &full);
+        const std::vector<uint8_t> jpeg =
+            image && !image->empty() ? ContrastJpeg(std::move(*image), full) : std::vector<uint8_t>();
         image.reset();
         if (jpeg.empty()) {
             ++result.skipped;

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "ImageLoad.h"
 #include "PackedDib.h"
 #include "ToolSink.h"
 
@@ -51,8 +52,10 @@ struct PixelSize {
 };
 PixelSize ContrastSize(int width, int height);
 
-// Grey, reduced and normalised, as JPEG bytes of quality 75; empty when that fails.
-std::vector<uint8_t> ContrastJpeg(PackedDib image);
+// Grey, reduced and normalised, as JPEG bytes of quality 75; empty when that fails. An image
+// decoded at a reduced size passes its full size as `full`: the result's size is the one the
+// whole image gives.
+std::vector<uint8_t> ContrastJpeg(PackedDib image, PictureSize full = {});
 
 // The name of the result when the source stays: "a.png" gives "a.png.cr.jpg".
 std::wstring BesideSourcePath(const std::wstring& source);
