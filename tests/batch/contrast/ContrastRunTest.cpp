@@ -7,6 +7,8 @@
 
 #include "../SplitContrastSupport.h"
 #include "ContrastRun.h"
+#include "ImageLoad.h"
+#include "JpegWriter.h"
 
 namespace lx {
 namespace {
@@ -62,6 +64,24 @@ TEST(ContrastRun, NothingIsLostWhenLoadingOrWritingFails) {
     EXPECT_EQ(bin.recycles, 1) << "an unreadable file is never given up";
     EXPECT_EQ(lxtest::ReadFile(dir / "page.bmp"), before);
     EXPECT_TRUE(fs::exists(dir / "broken.bmp"));
+}
+
+// A large JPEG is decoded at half size (1201 x 1601), yet the page comes out as the whole
+// picture gives it: 2401 x 3202 makes 1199 x 1600, where the half-size picture would make 1200.
+TEST(ContrastRun, AReducedDecodeKeepsTheFullSizeRule) {
+    struct KeepingBin : SourceBin {
+        bool Recycle(const std::wstring&) override { return false; }
+        void PutBack(const std::wstring&) override {}
+        void Keep(const std::wstring&) override {}
+    } bin;
+    ScratchDir dir("contrast-jpeg");
+    lxtest::WriteFile(dir / "page.jpg", EncodeJpeg(PackedDib::Create(2401, 3202, 24), JpegSaveRecord{}));
+    lxtest::QuietSink sink;
+    const ContrastRunResult result = RunContrastResize({(dir / "page.jpg").wstring()}, {L"loading", L"saving"}, sink, bin);
+    ASSERT_EQ(result.besides, 1);
+    const auto page = LoadImageFile(dir / "page.jpg.cr.jpg");
+    ASSERT_TRUE(page);
+    EXPECT_EQ(std::pair(page->width(), page->height()), std::pair(1199, 1600));
 }
 
 }  // namespace
