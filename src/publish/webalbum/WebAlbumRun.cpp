@@ -1,6 +1,7 @@
 #include "WebAlbumRun.h"
 
 #include <algorithm>
+#include <future>
 
 #include "AlbumPageText.h"
 #include "AlbumThumbnail.h"
@@ -83,7 +84,7 @@ private:
                 break;
             }
             if (cellsInRow == 0) fs_.WriteText(L"<tr>\n");
-            fs_.WriteText(CellText(MakeCell(files_[first + i]), LinkMode(settings_) != kLinkNone));
+            fs_.WriteText(CellText(MakeCell(first + i), LinkMode(settings_) != kLinkNone));
             cellsInRow = (cellsInRow + 1) % layout_.columns;
             if (cellsInRow == 0) fs_.WriteText(L"</tr>\n");
             // Counts a short last sheet's files as if every sheet were as short, as always.
@@ -99,7 +100,36 @@ private:
         return std::any_of(files_.begin(), files_.end(), [&](const std::wstring& f) { return fs_.SamePath(f, path); });
     }
 
-    AlbumCell MakeCell(const std::wstring& source) {
+    // A source's picture, decoded and reduced to its thumbnail's size.
+    struct PreparedPicture {
+        std::optional<AlbumPicture> loaded;
+        bool shrunk = false;
+    };
+
+    PreparedPicture Prepare(const std::wstring& source) const {
+        PreparedPicture prepared;
+        prepared.loaded = LoadAlbumPicture(source, layout_.thumbWidth, layout_.thumbHeight);
+        if (prepared.loaded)
+            prepared.shrunk = ShrinkToThumbnail(prepared.loaded->picture, layout_.thumbWidth, layout_.thumbHeight,
+                                                prepared.loaded->sourceSize);
+        return prepared;
+    }
+
+    // The picture of source `index`. The next source is decoded on a second thread at the same
+    // time: decoding is most of an album's time, and it touches no file of the album.
+    PreparedPicture TakePrepared(size_t index) {
+        std::future<PreparedPicture> current;
+        if (ahead_.valid() && aheadIndex_ == index) current = std::move(ahead_);
+        if (ahead_.valid()) ahead_.wait();
+        if (index + 1 < files_.size()) {
+            aheadIndex_ = index + 1;
+            ahead_ = std::async(std::launch::async, [this, index] { return Prepare(files_[index + 1]); });
+        }
+        return current.valid() ? current.get() : Prepare(files_[index]);
+    }
+
+    AlbumCell MakeCell(size_t index) {
+        const std::wstring& source = files_[index];
         if (settings_.options & kAlbumCopySources) {
             const std::wstring copy = JoinFolder(folder_, FileNameOf(source));
             if (!IsListedSource(copy)) fs_.CopySource(source, copy);
@@ -112,11 +142,12 @@ private:
         cell.link = LinkTarget(settings_, source, fs_);
         sink_.SetLine(1, texts_.loading, false);
         sink_.SetLine(1, source, true);
-        auto loaded = LoadAlbumPicture(source, layout_.thumbWidth, layout_.thumbHeight);
+        PreparedPicture prepared = TakePrepared(index);
+        auto& loaded = prepared.loaded;
         if (!loaded) return cell;
         cell.altText = loaded->altText;
         sink_.SetLine(1, texts_.saving, false);
-        if (!ShrinkToThumbnail(loaded->picture, layout_.thumbWidth, layout_.thumbHeight, loaded->sourceSize)) return cell;
+        if (!prepared.shrunk) return cell;
         sink_.SetLine(1, texts_.converting, false);
         const std::wstring name = ThumbnailFileName(source, ThumbFormat(settings_), fs_);
         const std::wstring thumbnail = JoinFolder(folder_, name);
@@ -137,6 +168,8 @@ private:
     const std::wstring folder_;
     const std::wstring title_;
     WebAlbumResult result_;
+    std::future<PreparedPicture> ahead_;
+    size_t aheadIndex_ = 0;
 };
 
 }  // namespace
