@@ -30,11 +30,14 @@ const wchar_t kSettingsRoot[] = L"Software\\Northcape\\Applets\\lxpicture";
 const wchar_t kSettingsKey[] = L"Software\\Northcape\\Applets\\lxpicture\\MainEditor";
 const wchar_t kRecentKey[] = L"Software\\Northcape\\Applets\\lxpicture\\Recent Document List";
 
-// A bitmap file whose every pixel has the value `grey` (an index for palette depths).
+// A picture whose every byte of pixels is `value` (an index for palette depths).
+inline PackedDib Filled(int width, int height, int bits, int value) {
+    PackedDib dib = PackedDib::Create(width, height, bits);
+    for (int y = 0; y < height; ++y) std::memset(dib.row(y), value, dib.stride());
+    return dib;
+}
 inline void WriteBitmap(const std::filesystem::path& path, int width, int height, int depth = 24, int grey = 128) {
-    PackedDib dib = PackedDib::Create(width, height, depth);
-    for (int y = 0; y < height; ++y) std::memset(dib.row(y), grey, dib.stride());
-    ASSERT_NE(lx::SaveBmpFile(path, dib), 0);
+    ASSERT_NE(lx::SaveBmpFile(path, Filled(width, height, depth, grey)), 0);
 }
 
 // One editor started through pxfRunW with `line`; closed (if still open) at the end, saying

@@ -9,6 +9,7 @@
 
 #include <cstring>
 #include <optional>
+#include <span>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -30,20 +31,16 @@ constexpr int kZoomWidth = 1252, kZoomHeight = 1253;
 constexpr int kResizeHeight = 1263;
 constexpr int kQuantizeMethod = 1271, kQuantizeCount = 1272;
 
-void PutOnClipboard(const PackedDib& dib) {
+void PutOnClipboard(std::span<const uint8_t> dib) {
     ASSERT_TRUE(OpenClipboard(nullptr));
     EmptyClipboard();
-    HGLOBAL block = lx::DibToGlobal(dib);
-    ASSERT_NE(block, nullptr);
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, dib.size());
+    std::memcpy(GlobalLock(block), dib.data(), dib.size());
+    GlobalUnlock(block);
     SetClipboardData(CF_DIB, block);
     CloseClipboard();
 }
-
-PackedDib Filled(int width, int height, int bits, int value) {
-    PackedDib dib = PackedDib::Create(width, height, bits);
-    for (int y = 0; y < height; ++y) std::memset(dib.row(y), value, dib.stride());
-    return dib;
-}
+void PutOnClipboard(const PackedDib& dib) { PutOnClipboard(dib.bytes()); }
 
 // The picture the view shows, copied.
 PackedDib Shown(const Editor& editor) {
@@ -53,8 +50,9 @@ PackedDib Shown(const Editor& editor) {
 }
 uint32_t ShownPixel(const Editor& editor, int x, int y) { return Shown(editor).pixel(x, y) & 0xFFFFFF; }
 
-// The dialog with this caption once it shows; null when none came.
-HWND WaitDialog(const wchar_t* caption) {
+// Gives the editor `command` and waits for the dialog with this caption; null when none came.
+HWND WaitDialog(Editor& editor, int command, const wchar_t* caption) {
+    editor.Command(command);
     HWND dialog = nullptr;
     WaitFor([&] { return (dialog = FindWindowW(L"#32770", caption)) != nullptr && IsWindowVisible(dialog); }, 10000);
     return dialog;
@@ -106,11 +104,6 @@ protected:
         EXPECT_TRUE(WaitFor([&] { return editor->HasImage(); }, 30000)) << name;
         return editor;
     }
-    // Opens the paste dialog over the clipboard's picture.
-    HWND PasteDialog(Editor& editor) {
-        editor.Command(2032);
-        return WaitDialog(L"貼り付け");
-    }
     ScratchDir dir_{"editor-image"};
 };
 
@@ -134,13 +127,7 @@ TEST_F(EditorImageTest, ABitmapOnTheClipboardIsPastedAndAMalformedOneIsNot) {
     PackedDib bad = Filled(4, 4, 24, 0);
     std::vector<uint8_t> bytes(bad.bytes().begin(), bad.bytes().end());
     bytes[14] = 7;  // biBitCount
-    ASSERT_TRUE(OpenClipboard(nullptr));
-    EmptyClipboard();
-    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes.size());
-    std::memcpy(GlobalLock(block), bytes.data(), bytes.size());
-    GlobalUnlock(block);
-    SetClipboardData(CF_DIB, block);
-    CloseClipboard();
+    PutOnClipboard(bytes);
     Editor editor{std::wstring(L"")};
     ASSERT_TRUE(editor.frame());
     editor.CommandNow(2032);
@@ -164,7 +151,7 @@ TEST_F(EditorImageTest, TheModeListStoresCodesAndTheAnchorPlacesThePicture) {
     auto editor = Open(Filled(40, 30, 24, 128));
     PutOnClipboard(Filled(10, 10, 24, 255));
     for (const auto& [row, code, centre] : {std::tuple{5, 6, 0xFFFFFFu}, {16, 18, 0x000000u}}) {
-        HWND dialog = PasteDialog(*editor);
+        HWND dialog = WaitDialog(*editor, 2032, L"貼り付け");
         ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(SendDlgItemMessageW(dialog, kPasteMode, CB_GETCOUNT, 0, 0), 17);
         SendDlgItemMessageW(dialog, kPasteMode, CB_SETCURSEL, row, 0);
@@ -187,32 +174,23 @@ TEST_F(EditorImageTest, TheModeListStoresCodesAndTheAnchorPlacesThePicture) {
     EXPECT_TRUE(editor->ToolEnabled(2036));  // two pastes, two steps
 }
 
-TEST_F(EditorImageTest, OnePercentOpacityLaysAlphaTwo) {
+// One per cent opacity lays alpha 2: 255 x 2 / 255, not 2.55 rounded up.
+TEST_F(EditorImageTest, ABadOffsetIsRefusedWithTheFocusOnItAndAGoodOneMovesTheFaintPicture) {
     auto editor = Open(Filled(20, 20, 24, 0));
     PutOnClipboard(Filled(5, 5, 24, 255));
-    HWND dialog = PasteDialog(*editor);
-    ASSERT_NE(dialog, nullptr);
-    SendDlgItemMessageW(dialog, kPasteOpacity, TBM_SETPOS, TRUE, 1);
-    ASSERT_TRUE(Press(dialog, IDOK));
-    ASSERT_TRUE(WaitFor([&] { return editor->ToolEnabled(2036); }));
-    EXPECT_EQ(ShownPixel(*editor, 0, 0), 0x020202u);  // 255 x 2 / 255, not 2.55 rounded up
-    EXPECT_EQ(ShownPixel(*editor, 5, 5), 0u);
-}
-
-TEST_F(EditorImageTest, ABadOffsetIsRefusedWithTheFocusOnItAndAGoodOneMovesThePicture) {
-    auto editor = Open(Filled(20, 20, 24, 0));
-    PutOnClipboard(Filled(5, 5, 24, 255));
-    HWND dialog = PasteDialog(*editor);
+    HWND dialog = WaitDialog(*editor, 2032, L"貼り付け");
     ASSERT_NE(dialog, nullptr);
     for (const wchar_t* bad : {L"abc", L"100001", L"", L"3x"}) {
         SetDlgItemTextW(dialog, kPasteOffsetX, bad);
         EXPECT_TRUE(Refused(dialog, kPasteOffsetX)) << bad;
     }
     SetDlgItemTextW(dialog, kPasteOffsetX, L"-3");
+    SendDlgItemMessageW(dialog, kPasteOpacity, TBM_SETPOS, TRUE, 1);
     ASSERT_TRUE(Press(dialog, IDOK));
     ASSERT_TRUE(WaitFor([&] { return editor->ToolEnabled(2036); }));
-    EXPECT_EQ(ShownPixel(*editor, 1, 0), 0xFFFFFFu);
+    EXPECT_EQ(ShownPixel(*editor, 1, 4), 0x020202u);
     EXPECT_EQ(ShownPixel(*editor, 2, 0), 0u);
+    EXPECT_EQ(ShownPixel(*editor, 1, 5), 0u);
     EXPECT_EQ(Field(StoredPaste(), 32), -3);
 }
 
@@ -221,7 +199,7 @@ TEST_F(EditorImageTest, PlacingByHandDragsTheFloatingPictureAndEscGivesUp) {
     auto editor = Open(Filled(40, 30, 24, 128));
     PutOnClipboard(Filled(6, 6, 24, 0));
     for (const bool accept : {false, true}) {
-        HWND dialog = PasteDialog(*editor);
+        HWND dialog = WaitDialog(*editor, 2032, L"貼り付け");
         ASSERT_NE(dialog, nullptr);
         SendMessageW(GetDlgItem(dialog, kPasteByHand), BM_CLICK, 0, 0);
         ASSERT_TRUE(Press(dialog, IDOK));
@@ -245,15 +223,13 @@ TEST_F(EditorImageTest, PlacingByHandDragsTheFloatingPictureAndEscGivesUp) {
 
 TEST_F(EditorImageTest, ImageSizeToTheSameSizeIsNoStepAndABadWidthIsRefused) {
     auto editor = Open(Filled(40, 30, 24, 128));
-    editor->Command(2071);
-    HWND dialog = WaitDialog(L"イメージサイズ");
+    HWND dialog = WaitDialog(*editor, 2071, L"イメージサイズ");
     ASSERT_NE(dialog, nullptr);
     ASSERT_TRUE(Press(dialog, IDOK));
     EXPECT_TRUE(editor->Quiet());
     EXPECT_FALSE(editor->ToolEnabled(2036));
 
-    editor->Command(2071);
-    dialog = WaitDialog(L"イメージサイズ");
+    dialog = WaitDialog(*editor, 2071, L"イメージサイズ");
     ASSERT_NE(dialog, nullptr);
     SetDlgItemTextW(dialog, kZoomWidth, L"0");
     EXPECT_TRUE(Refused(dialog, kZoomWidth));
@@ -267,8 +243,7 @@ TEST_F(EditorImageTest, ImageSizeToTheSameSizeIsNoStepAndABadWidthIsRefused) {
 TEST_F(EditorImageTest, ACanvasOnlyLowerStillAsksAndNoKeepsThePicture) {
     auto editor = Open(Filled(40, 30, 24, 128));
     for (const int answer : {IDNO, IDYES}) {
-        editor->Command(2073);
-        HWND dialog = WaitDialog(L"カンバスサイズ");
+        HWND dialog = WaitDialog(*editor, 2073, L"カンバスサイズ");
         ASSERT_NE(dialog, nullptr);
         SetDlgItemInt(dialog, kResizeHeight, 20, FALSE);
         ASSERT_TRUE(Press(dialog, IDOK));
@@ -301,8 +276,7 @@ TEST_F(EditorImageTest, ReducingTo256NearestColoursGivesEightBitsAndTooManyIsRef
     for (int y = 0; y < 10; ++y)
         for (int x = 0; x < 20; ++x) std::memset(greys.row(y) + 3 * x, y * 20 + x, 3);
     auto editor = Open(greys);
-    editor->Command(2053);
-    HWND dialog = WaitDialog(L"減色");
+    HWND dialog = WaitDialog(*editor, 2053, L"減色");
     ASSERT_NE(dialog, nullptr);
     EXPECT_EQ(SendDlgItemMessageW(dialog, kQuantizeCount, CB_GETCOUNT, 0, 0), 8);
     SendDlgItemMessageW(dialog, kQuantizeMethod, CB_SETCURSEL, 0, 0);
@@ -341,8 +315,7 @@ TEST_F(EditorImageTest, MirrorWorksWithinTheSelectionAndKeepsIt) {
 // Select by size: a zero height is refused with the focus on it; a good size is centred.
 TEST_F(EditorImageTest, SelectBySizeRefusesAZeroSideAndCentresTheSelection) {
     auto editor = Open(Filled(40, 30, 24, 128));
-    editor->Command(2035);
-    HWND dialog = WaitDialog(L"指定サイズで選択");
+    HWND dialog = WaitDialog(*editor, 2035, L"指定サイズで選択");
     ASSERT_NE(dialog, nullptr);
     SetDlgItemInt(dialog, 1001, 10, FALSE);
     SetDlgItemInt(dialog, 1002, 0, FALSE);
@@ -364,8 +337,7 @@ TEST_F(EditorImageTest, TheColourTableEditorShowsTheFirstEntryAndAnUnchangedTabl
     palette.palette()[0] = lx::Rgbq{30, 20, 10, 0};
     auto editor = Open(palette);
     for (const int button : {IDOK, IDCANCEL}) {
-        editor->Command(2054);
-        HWND dialog = WaitDialog(L"カラーテーブルの編集");
+        HWND dialog = WaitDialog(*editor, 2054, L"カラーテーブルの編集");
         ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(WindowText(GetDlgItem(dialog, 1283)), L"番号 0\nR 10\nG 20\nB 30");
         ASSERT_TRUE(Press(dialog, button));
