@@ -14,6 +14,7 @@
 #include "../lib/nccore/win32/DialogDriver.h"
 #include "FrameOnThread.h"
 #include "ImageCodecs.h"
+#include "Painted.h"
 #include "ModuleTest.h"
 #include "TestFiles.h"
 
@@ -28,11 +29,8 @@ const wchar_t kSettingsKey[] = L"Software\\Northcape\\Applets\\lxpicture\\SlideS
 const std::wstring kRunning = L"一時停止", kPaused = L"開始";  // the start button's text
 const std::wstring kFailed = L"\n\nこの画像は表示できません。";
 
-void WriteBitmap(const std::filesystem::path& path, int width, int height, uint32_t bgr = 0x808080) {
-    PackedDib dib = PackedDib::Create(width, height, 24);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) std::memcpy(dib.row(y) + 3 * x, &bgr, 3);
-    ASSERT_NE(SaveBmpFile(path, dib), 0);
+void WriteBitmap(const std::filesystem::path& path, int width, int height, uint32_t rgb = 0x808080) {
+    ASSERT_NE(SaveBmpFile(path, lxtest::Painted(width, height, [=](int, int) { return rgb; })), 0);
 }
 
 // One show started through slideRunW with `path`; closed (if still open) at the end.

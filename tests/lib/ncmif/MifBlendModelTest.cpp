@@ -117,14 +117,7 @@ std::vector<uint32_t> GridColours() {
 // pair meets once.
 PackedDib PairImage(const std::vector<uint32_t>& colours, bool byColumn) {
     const int n = static_cast<int>(colours.size());
-    PackedDib dib = PackedDib::Create(n, n, 24);
-    for (int y = 0; y < n; ++y)
-        for (int x = 0; x < n; ++x) {
-            const uint32_t c = colours[byColumn ? x : y];
-            uint8_t* p = dib.row(y) + 3 * x;
-            p[0] = c & 0xff, p[1] = (c >> 8) & 0xff, p[2] = (c >> 16) & 0xff;
-        }
-    return dib;
+    return lxtest::Painted(n, n, [&](int x, int y) { return colours[byColumn ? x : y]; });
 }
 
 double Channel(uint32_t c, int i) { return ((c >> (16 - 8 * i)) & 0xff) / 255.0; }  // i: 0 red, 1 green, 2 blue

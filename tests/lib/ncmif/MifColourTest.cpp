@@ -24,16 +24,9 @@ uint32_t Blend(int mode, uint32_t base, uint32_t top, int alpha = 255) {
     return image.dib().pixel(0, 0) & 0xffffff;
 }
 
-PackedDib Rgb(std::initializer_list<uint32_t> colours) {
-    PackedDib dib = PackedDib::Create(static_cast<int>(colours.size()), 1, 24);
-    int x = 0;
-    for (uint32_t c : colours) {
-        dib.row(0)[3 * x] = c & 0xff;
-        dib.row(0)[3 * x + 1] = (c >> 8) & 0xff;
-        dib.row(0)[3 * x + 2] = (c >> 16) & 0xff;
-        ++x;
-    }
-    return dib;
+// One row of these colours (0x00RRGGBB).
+PackedDib Rgb(std::vector<uint32_t> colours) {
+    return lxtest::Painted(static_cast<int>(colours.size()), 1, [&](int x, int) { return colours[x]; });
 }
 
 PackedDib GreyRamp(int w, int h, int from, int to) {
