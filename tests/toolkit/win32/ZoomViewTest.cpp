@@ -397,7 +397,7 @@ TEST_F(ZoomViewTest, AfterAFitResizingFitsAgainWhenTheOptionAsks) {
 // reduced picture larger than the view shows the part scrolled to.
 TEST_F(ZoomViewTest, TopDownAndBottomUpBlocksShowUprightAlsoReducedAndScrolled) {
     const auto squares = [](int x, int y) { return Distinct(x / 32, y / 32); };  // flat 32 x 32 squares
-    const PackedDib dib = Picture(1200, 900, squares);
+    const PackedDib dib = Painted(1200, 900, squares);
     const struct {
         bool topDown;
         int zoom, scrollX, scrollY;
