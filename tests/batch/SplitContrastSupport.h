@@ -1,5 +1,6 @@
-// What the split and contrast-resize tests share: a bitmap file with a gradient (so that a cut
-// or a reduction has something to keep) and a sink that shows nothing.
+// What the batch tool tests share: a bitmap file with a gradient (so that a cut, a reduction
+// or a scaling has something to keep), whatever its name's extension says, and a sink that
+// shows nothing.
 #pragma once
 
 #include <filesystem>

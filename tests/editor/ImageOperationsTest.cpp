@@ -5,22 +5,15 @@
 #include <cstring>
 
 #include "ImageOperations.h"
+#include "Painted.h"
 #include "mif.h"
 
 namespace lx {
 namespace {
 
 // Every pixel a different colour: (x * 40 + 10, y * 60 + 5, 200) as 0x00RRGGBB.
-mif Numbered(int w, int h) {
-    PackedDib dib = PackedDib::Create(w, h, 24);
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            uint8_t* p = dib.row(y) + 3 * x;
-            p[0] = 200, p[1] = static_cast<uint8_t>(y * 60 + 5), p[2] = static_cast<uint8_t>(x * 40 + 10);
-        }
-    return mif(dib);
-}
 uint32_t NumberedAt(int x, int y) { return static_cast<uint32_t>((x * 40 + 10) << 16 | (y * 60 + 5) << 8 | 200); }
+mif Numbered(int w, int h) { return mif(lxtest::Painted(w, h, NumberedAt)); }
 uint32_t At(const mif& image, int x, int y) { return image.dib().pixel(x, y) & 0xFFFFFF; }
 
 TEST(ResizeCanvas, TheAnchorPlacesTheOldPictureAndTheRestTakesTheBackground) {

@@ -3,10 +3,12 @@
 #pragma once
 
 #include <windows.h>
+#include <shlwapi.h>
 
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -30,12 +32,32 @@ const wchar_t kSettingsRoot[] = L"Software\\Northcape\\Applets\\lxpicture";
 const wchar_t kSettingsKey[] = L"Software\\Northcape\\Applets\\lxpicture\\MainEditor";
 const wchar_t kRecentKey[] = L"Software\\Northcape\\Applets\\lxpicture\\Recent Document List";
 
-// A bitmap file whose every pixel has the value `grey` (an index for palette depths).
-inline void WriteBitmap(const std::filesystem::path& path, int width, int height, int depth = 24, int grey = 128) {
-    PackedDib dib = PackedDib::Create(width, height, depth);
-    for (int y = 0; y < height; ++y) std::memset(dib.row(y), grey, dib.stride());
-    ASSERT_NE(lx::SaveBmpFile(path, dib), 0);
+// A picture whose every byte of pixels is `value` (an index for palette depths).
+inline PackedDib Filled(int width, int height, int bits, int value) {
+    PackedDib dib = PackedDib::Create(width, height, bits);
+    for (int y = 0; y < height; ++y) std::memset(dib.row(y), value, dib.stride());
+    return dib;
 }
+inline void WriteBitmap(const std::filesystem::path& path, int width, int height, int depth = 24, int grey = 128) {
+    ASSERT_NE(lx::SaveBmpFile(path, Filled(width, height, depth, grey)), 0);
+}
+
+// A movable block holding `bytes`, as the clipboard and a drop hand them on.
+inline HGLOBAL GlobalCopy(std::span<const uint8_t> bytes) {
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes.size());
+    std::memcpy(GlobalLock(block), bytes.data(), bytes.size());
+    GlobalUnlock(block);
+    return block;
+}
+
+// The clipboard holding `dib` as CF_DIB, or nothing when it is empty.
+inline void PutOnClipboard(std::span<const uint8_t> dib) {
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    EmptyClipboard();
+    if (!dib.empty()) SetClipboardData(CF_DIB, GlobalCopy(dib));
+    CloseClipboard();
+}
+inline void PutOnClipboard(const PackedDib& dib) { PutOnClipboard(dib.bytes()); }
 
 // One editor started through pxfRunW with `line`; closed (if still open) at the end, saying
 // No to a question about unsaved changes.
@@ -76,11 +98,37 @@ public:
         SendMessageW(GetDlgItem(dialog, IDOK), BM_CLICK, 0, 0);
         return WaitFor([&] { return !IsWindow(dialog); }, 10000);
     }
+    // Gives `command` and waits for the dialog with this caption; null when none came.
+    HWND Dialog(int command, const wchar_t* caption) {
+        Command(command);
+        HWND dialog = nullptr;
+        WaitFor([&] { return (dialog = FindWindowW(L"#32770", caption)) != nullptr && IsWindowVisible(dialog); }, 10000);
+        return dialog;
+    }
     // Nothing is asked for a while.
     bool Quiet(int ms = 500) {
         Sleep(ms);
         return OwnedDialog() == nullptr;
     }
+};
+
+// Editor tests start with no stored settings and open their pictures from a scratch folder.
+class EditorFixture : public ::testing::Test {
+protected:
+    explicit EditorFixture(const char* folder) : dir_(folder) {}
+    void SetUp() override {
+        ASSERT_NE(Dll(), nullptr) << "cannot load " << LX_DLL_PATH;
+        SHDeleteKeyW(HKEY_CURRENT_USER, kSettingsKey);
+        SHDeleteKeyW(HKEY_CURRENT_USER, kRecentKey);
+    }
+    // `dib` saved as `name` and opened; the editor holds the picture on return.
+    std::unique_ptr<Editor> Open(const PackedDib& dib, const char* name = "doc.bmp") {
+        EXPECT_NE(lx::SaveBmpFile(dir_ / name, dib), 0);
+        auto editor = std::make_unique<Editor>(dir_ / name);
+        EXPECT_TRUE(WaitFor([&] { return editor->HasImage(); }, 30000)) << name;
+        return editor;
+    }
+    ScratchDir dir_;
 };
 
 }  // namespace lxtest

@@ -16,6 +16,7 @@
 #include "../lib/nccore/win32/DialogDriver.h"
 #include "DibGlobal.h"
 #include "EditorDriver.h"
+#include "Painted.h"
 
 using namespace lxtest;
 using lx::PackedDib;
@@ -30,21 +31,6 @@ constexpr int kZoomWidth = 1252, kZoomHeight = 1253;
 constexpr int kResizeHeight = 1263;
 constexpr int kQuantizeMethod = 1271, kQuantizeCount = 1272;
 
-void PutOnClipboard(const PackedDib& dib) {
-    ASSERT_TRUE(OpenClipboard(nullptr));
-    EmptyClipboard();
-    HGLOBAL block = lx::DibToGlobal(dib);
-    ASSERT_NE(block, nullptr);
-    SetClipboardData(CF_DIB, block);
-    CloseClipboard();
-}
-
-PackedDib Filled(int width, int height, int bits, int value) {
-    PackedDib dib = PackedDib::Create(width, height, bits);
-    for (int y = 0; y < height; ++y) std::memset(dib.row(y), value, dib.stride());
-    return dib;
-}
-
 // The picture the view shows, copied.
 PackedDib Shown(const Editor& editor) {
     auto block = reinterpret_cast<HGLOBAL>(SendMessageW(editor.View(), kGetImage, 0, 0));
@@ -53,31 +39,20 @@ PackedDib Shown(const Editor& editor) {
 }
 uint32_t ShownPixel(const Editor& editor, int x, int y) { return Shown(editor).pixel(x, y) & 0xFFFFFF; }
 
-// The dialog with this caption once it shows; null when none came.
-HWND WaitDialog(const wchar_t* caption) {
-    HWND dialog = nullptr;
-    WaitFor([&] { return (dialog = FindWindowW(L"#32770", caption)) != nullptr && IsWindowVisible(dialog); }, 10000);
-    return dialog;
-}
-
 bool Press(HWND dialog, int id) {
     PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
     return WaitFor([&] { return !IsWindow(dialog); }, 10000);
 }
 
-// The control that has the keyboard focus in the dialog's thread.
-HWND FocusOf(HWND dialog) {
-    GUITHREADINFO info{sizeof info};
-    GetGUIThreadInfo(GetWindowThreadProcessId(dialog, nullptr), &info);
-    return info.hwndFocus;
-}
-
 // OK refused: the dialog stays, the focus on control `id` (or inside it, for a combo box).
+// Sent, so that the dialog has judged its fields when this looks.
 bool Refused(HWND dialog, int id) {
-    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
-    Sleep(300);
-    HWND focus = FocusOf(dialog);
-    return IsWindowVisible(dialog) && (focus == GetDlgItem(dialog, id) || GetParent(focus) == GetDlgItem(dialog, id));
+    HWND control = GetDlgItem(dialog, id), ok = GetDlgItem(dialog, IDOK);
+    SendMessageTimeoutW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(ok), SMTO_NORMAL, 10000, nullptr);
+    return WaitFor([&] {
+        HWND focus = FocusOf(dialog);
+        return IsWindowVisible(dialog) && (focus == control || GetParent(focus) == control);
+    }, 5000);
 }
 
 std::vector<uint8_t> StoredPaste() {
@@ -93,25 +68,13 @@ int32_t Field(const std::vector<uint8_t>& record, int offset) {
     return v;
 }
 
-class EditorImageTest : public ::testing::Test {
+class EditorImageTest : public EditorFixture {
 protected:
+    EditorImageTest() : EditorFixture("editor-image") {}
     void SetUp() override {
-        ASSERT_NE(Dll(), nullptr) << "cannot load " << LX_DLL_PATH;
-        SHDeleteKeyW(HKEY_CURRENT_USER, kSettingsKey);
+        EditorFixture::SetUp();
         SHDeleteKeyW(HKEY_CURRENT_USER, kEditKey);
     }
-    std::unique_ptr<Editor> Open(const PackedDib& dib, const char* name = "doc.bmp") {
-        EXPECT_NE(lx::SaveBmpFile(dir_ / name, dib), 0);
-        auto editor = std::make_unique<Editor>(dir_ / name);
-        EXPECT_TRUE(WaitFor([&] { return editor->HasImage(); }, 30000)) << name;
-        return editor;
-    }
-    // Opens the paste dialog over the clipboard's picture.
-    HWND PasteDialog(Editor& editor) {
-        editor.Command(2032);
-        return WaitDialog(L"貼り付け");
-    }
-    ScratchDir dir_{"editor-image"};
 };
 
 TEST_F(EditorImageTest, PastingIntoAnEmptyEditorMakesTheDocumentAtTwentyFourBits) {
@@ -134,13 +97,7 @@ TEST_F(EditorImageTest, ABitmapOnTheClipboardIsPastedAndAMalformedOneIsNot) {
     PackedDib bad = Filled(4, 4, 24, 0);
     std::vector<uint8_t> bytes(bad.bytes().begin(), bad.bytes().end());
     bytes[14] = 7;  // biBitCount
-    ASSERT_TRUE(OpenClipboard(nullptr));
-    EmptyClipboard();
-    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes.size());
-    std::memcpy(GlobalLock(block), bytes.data(), bytes.size());
-    GlobalUnlock(block);
-    SetClipboardData(CF_DIB, block);
-    CloseClipboard();
+    PutOnClipboard(bytes);
     Editor editor{std::wstring(L"")};
     ASSERT_TRUE(editor.frame());
     editor.CommandNow(2032);
@@ -164,7 +121,7 @@ TEST_F(EditorImageTest, TheModeListStoresCodesAndTheAnchorPlacesThePicture) {
     auto editor = Open(Filled(40, 30, 24, 128));
     PutOnClipboard(Filled(10, 10, 24, 255));
     for (const auto& [row, code, centre] : {std::tuple{5, 6, 0xFFFFFFu}, {16, 18, 0x000000u}}) {
-        HWND dialog = PasteDialog(*editor);
+        HWND dialog = editor->Dialog(2032, L"貼り付け");
         ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(SendDlgItemMessageW(dialog, kPasteMode, CB_GETCOUNT, 0, 0), 17);
         SendDlgItemMessageW(dialog, kPasteMode, CB_SETCURSEL, row, 0);
@@ -187,32 +144,23 @@ TEST_F(EditorImageTest, TheModeListStoresCodesAndTheAnchorPlacesThePicture) {
     EXPECT_TRUE(editor->ToolEnabled(2036));  // two pastes, two steps
 }
 
-TEST_F(EditorImageTest, OnePercentOpacityLaysAlphaTwo) {
+// One per cent opacity lays alpha 2: 255 x 2 / 255, not 2.55 rounded up.
+TEST_F(EditorImageTest, ABadOffsetIsRefusedWithTheFocusOnItAndAGoodOneMovesTheFaintPicture) {
     auto editor = Open(Filled(20, 20, 24, 0));
     PutOnClipboard(Filled(5, 5, 24, 255));
-    HWND dialog = PasteDialog(*editor);
-    ASSERT_NE(dialog, nullptr);
-    SendDlgItemMessageW(dialog, kPasteOpacity, TBM_SETPOS, TRUE, 1);
-    ASSERT_TRUE(Press(dialog, IDOK));
-    ASSERT_TRUE(WaitFor([&] { return editor->ToolEnabled(2036); }));
-    EXPECT_EQ(ShownPixel(*editor, 0, 0), 0x020202u);  // 255 x 2 / 255, not 2.55 rounded up
-    EXPECT_EQ(ShownPixel(*editor, 5, 5), 0u);
-}
-
-TEST_F(EditorImageTest, ABadOffsetIsRefusedWithTheFocusOnItAndAGoodOneMovesThePicture) {
-    auto editor = Open(Filled(20, 20, 24, 0));
-    PutOnClipboard(Filled(5, 5, 24, 255));
-    HWND dialog = PasteDialog(*editor);
+    HWND dialog = editor->Dialog(2032, L"貼り付け");
     ASSERT_NE(dialog, nullptr);
     for (const wchar_t* bad : {L"abc", L"100001", L"", L"3x"}) {
         SetDlgItemTextW(dialog, kPasteOffsetX, bad);
         EXPECT_TRUE(Refused(dialog, kPasteOffsetX)) << bad;
     }
     SetDlgItemTextW(dialog, kPasteOffsetX, L"-3");
+    SendDlgItemMessageW(dialog, kPasteOpacity, TBM_SETPOS, TRUE, 1);
     ASSERT_TRUE(Press(dialog, IDOK));
     ASSERT_TRUE(WaitFor([&] { return editor->ToolEnabled(2036); }));
-    EXPECT_EQ(ShownPixel(*editor, 1, 0), 0xFFFFFFu);
+    EXPECT_EQ(ShownPixel(*editor, 1, 4), 0x020202u);
     EXPECT_EQ(ShownPixel(*editor, 2, 0), 0u);
+    EXPECT_EQ(ShownPixel(*editor, 1, 5), 0u);
     EXPECT_EQ(Field(StoredPaste(), 32), -3);
 }
 
@@ -221,7 +169,7 @@ TEST_F(EditorImageTest, PlacingByHandDragsTheFloatingPictureAndEscGivesUp) {
     auto editor = Open(Filled(40, 30, 24, 128));
     PutOnClipboard(Filled(6, 6, 24, 0));
     for (const bool accept : {false, true}) {
-        HWND dialog = PasteDialog(*editor);
+        HWND dialog = editor->Dialog(2032, L"貼り付け");
         ASSERT_NE(dialog, nullptr);
         SendMessageW(GetDlgItem(dialog, kPasteByHand), BM_CLICK, 0, 0);
         ASSERT_TRUE(Press(dialog, IDOK));
@@ -245,15 +193,13 @@ TEST_F(EditorImageTest, PlacingByHandDragsTheFloatingPictureAndEscGivesUp) {
 
 TEST_F(EditorImageTest, ImageSizeToTheSameSizeIsNoStepAndABadWidthIsRefused) {
     auto editor = Open(Filled(40, 30, 24, 128));
-    editor->Command(2071);
-    HWND dialog = WaitDialog(L"イメージサイズ");
+    HWND dialog = editor->Dialog(2071, L"イメージサイズ");
     ASSERT_NE(dialog, nullptr);
     ASSERT_TRUE(Press(dialog, IDOK));
     EXPECT_TRUE(editor->Quiet());
     EXPECT_FALSE(editor->ToolEnabled(2036));
 
-    editor->Command(2071);
-    dialog = WaitDialog(L"イメージサイズ");
+    dialog = editor->Dialog(2071, L"イメージサイズ");
     ASSERT_NE(dialog, nullptr);
     SetDlgItemTextW(dialog, kZoomWidth, L"0");
     EXPECT_TRUE(Refused(dialog, kZoomWidth));
@@ -267,8 +213,7 @@ TEST_F(EditorImageTest, ImageSizeToTheSameSizeIsNoStepAndABadWidthIsRefused) {
 TEST_F(EditorImageTest, ACanvasOnlyLowerStillAsksAndNoKeepsThePicture) {
     auto editor = Open(Filled(40, 30, 24, 128));
     for (const int answer : {IDNO, IDYES}) {
-        editor->Command(2073);
-        HWND dialog = WaitDialog(L"カンバスサイズ");
+        HWND dialog = editor->Dialog(2073, L"カンバスサイズ");
         ASSERT_NE(dialog, nullptr);
         SetDlgItemInt(dialog, kResizeHeight, 20, FALSE);
         ASSERT_TRUE(Press(dialog, IDOK));
@@ -279,10 +224,7 @@ TEST_F(EditorImageTest, ACanvasOnlyLowerStillAsksAndNoKeepsThePicture) {
 }
 
 TEST_F(EditorImageTest, RotatingLeftThenRightRestoresThePictureInTwoSteps) {
-    PackedDib pattern = PackedDib::Create(7, 5, 24);
-    for (int y = 0; y < 5; ++y)
-        for (int x = 0; x < 21; ++x) pattern.row(y)[x] = static_cast<uint8_t>(x * 11 + y * 37);
-    auto editor = Open(pattern);
+    auto editor = Open(Painted(7, 5, [](int x, int y) { return static_cast<uint32_t>(x * 0x0b2137 + y * 0x250b05); }));
     const PackedDib before = Shown(*editor);
     editor->CommandNow(2081);
     EXPECT_EQ(editor->StatusText(4), L"5 x 7");
@@ -297,12 +239,8 @@ TEST_F(EditorImageTest, RotatingLeftThenRightRestoresThePictureInTwoSteps) {
 TEST_F(EditorImageTest, ReducingTo256NearestColoursGivesEightBitsAndTooManyIsRefused) {
     // 200 greys: more than 16, so the reduced picture takes 8 bits, and no more than 256, so
     // nearest colours keep every one.
-    PackedDib greys = PackedDib::Create(20, 10, 24);
-    for (int y = 0; y < 10; ++y)
-        for (int x = 0; x < 20; ++x) std::memset(greys.row(y) + 3 * x, y * 20 + x, 3);
-    auto editor = Open(greys);
-    editor->Command(2053);
-    HWND dialog = WaitDialog(L"減色");
+    auto editor = Open(Painted(20, 10, [](int x, int y) { return 0x010101u * (y * 20 + x); }));
+    HWND dialog = editor->Dialog(2053, L"減色");
     ASSERT_NE(dialog, nullptr);
     EXPECT_EQ(SendDlgItemMessageW(dialog, kQuantizeCount, CB_GETCOUNT, 0, 0), 8);
     SendDlgItemMessageW(dialog, kQuantizeMethod, CB_SETCURSEL, 0, 0);
@@ -323,10 +261,7 @@ TEST_F(EditorImageTest, CountingColoursTellsTheNumber) {
 }
 
 TEST_F(EditorImageTest, MirrorWorksWithinTheSelectionAndKeepsIt) {
-    PackedDib ramp = PackedDib::Create(20, 4, 24);
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 20; ++x) std::memset(ramp.row(y) + 3 * x, x * 10, 3);
-    auto editor = Open(ramp);
+    auto editor = Open(Painted(20, 4, [](int x, int) { return 0x010101u * (x * 10); }));
     editor->Select({2, 0, 8, 4});
     editor->CommandNow(2083);
     const RECT kept = editor->Selection();
@@ -341,8 +276,7 @@ TEST_F(EditorImageTest, MirrorWorksWithinTheSelectionAndKeepsIt) {
 // Select by size: a zero height is refused with the focus on it; a good size is centred.
 TEST_F(EditorImageTest, SelectBySizeRefusesAZeroSideAndCentresTheSelection) {
     auto editor = Open(Filled(40, 30, 24, 128));
-    editor->Command(2035);
-    HWND dialog = WaitDialog(L"指定サイズで選択");
+    HWND dialog = editor->Dialog(2035, L"指定サイズで選択");
     ASSERT_NE(dialog, nullptr);
     SetDlgItemInt(dialog, 1001, 10, FALSE);
     SetDlgItemInt(dialog, 1002, 0, FALSE);
@@ -364,8 +298,7 @@ TEST_F(EditorImageTest, TheColourTableEditorShowsTheFirstEntryAndAnUnchangedTabl
     palette.palette()[0] = lx::Rgbq{30, 20, 10, 0};
     auto editor = Open(palette);
     for (const int button : {IDOK, IDCANCEL}) {
-        editor->Command(2054);
-        HWND dialog = WaitDialog(L"カラーテーブルの編集");
+        HWND dialog = editor->Dialog(2054, L"カラーテーブルの編集");
         ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(WindowText(GetDlgItem(dialog, 1283)), L"番号 0\nR 10\nG 20\nB 30");
         ASSERT_TRUE(Press(dialog, button));

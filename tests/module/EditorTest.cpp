@@ -33,21 +33,9 @@ namespace {
 
 std::vector<uint8_t> Bytes(const std::filesystem::path& path) { return lxtest::ReadFile(path); }
 
-class EditorTest : public ::testing::Test {
+class EditorTest : public EditorFixture {
 protected:
-    void SetUp() override {
-        ASSERT_NE(Dll(), nullptr) << "cannot load " << LX_DLL_PATH;
-        SHDeleteKeyW(HKEY_CURRENT_USER, kSettingsKey);
-        SHDeleteKeyW(HKEY_CURRENT_USER, kRecentKey);
-    }
-    // `name` written as a grey bitmap and opened; the editor holds the picture on return.
-    std::unique_ptr<Editor> Open(const char* name, int width = 40, int height = 30, int depth = 24) {
-        WriteBitmap(dir_ / name, width, height, depth, depth <= 8 ? 3 : 128);
-        auto editor = std::make_unique<Editor>(dir_ / name);
-        EXPECT_TRUE(WaitFor([&] { return editor->HasImage(); }, 30000)) << name;
-        return editor;
-    }
-    ScratchDir dir_{"editor"};
+    EditorTest() : EditorFixture("editor") {}
 };
 
 TEST_F(EditorTest, OpensThePhotographAndStoresItsPlacesOnClose) {
@@ -90,33 +78,21 @@ TEST_F(EditorTest, WhatNoReaderTakesLeavesTheFrameEmpty) {
 }
 
 TEST_F(EditorTest, ClipInAnyCaseOpensTheClipboardImageAndNothingWithoutOne) {
-    auto fillClipboard = [](bool withImage) {
-        ASSERT_TRUE(OpenClipboard(nullptr));
-        EmptyClipboard();
-        if (withImage) {
-            PackedDib dib = PackedDib::Create(30, 20, 24);
-            HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, dib.bytes().size());
-            std::memcpy(GlobalLock(block), dib.bytes().data(), dib.bytes().size());
-            GlobalUnlock(block);
-            SetClipboardData(CF_DIB, block);
-        }
-        CloseClipboard();
-    };
-    fillClipboard(true);
+    PutOnClipboard(PackedDib::Create(30, 20, 24));
     {
         Editor editor{std::wstring(L"\"/Clip\"")};
         ASSERT_TRUE(WaitFor([&] { return editor.Title() == L"クリップボード - " + kEditorCaption; }));
         EXPECT_EQ(editor.StatusText(4), L"30 x 20");
         EXPECT_FALSE(editor.ToolEnabled(2008));
     }
-    fillClipboard(false);
+    PutOnClipboard(std::span<const uint8_t>{});
     Editor editor{std::wstring(L"/clip")};
     Sleep(300);
     EXPECT_FALSE(editor.HasImage());
 }
 
 TEST_F(EditorTest, UndoRestoresTheSelectionAndTheCleanState) {
-    auto editor = Open("r.bmp");
+    auto editor = Open(Filled(40, 30, 24, 128), "r.bmp");
     const DWORD gdiBefore = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
     for (int edit = 1; edit <= 17; ++edit) {
         editor->Select({0, 0, edit, edit});  // rotating drops the selection
@@ -220,7 +196,7 @@ TEST_F(EditorTest, AFailedWriteKeepsTheFileAndTheChanges) {
 }
 
 TEST_F(EditorTest, ToRgbTurnsAPalettePictureIntoAnUndoableStep) {
-    auto editor = Open("p.bmp", 16, 16, 8);
+    auto editor = Open(Filled(16, 16, 8, 3), "p.bmp");
     EXPECT_EQ(editor->StatusText(5), L"8bpp");
     editor->CommandNow(2051);
     EXPECT_EQ(editor->StatusText(5), L"24bpp");
@@ -228,7 +204,7 @@ TEST_F(EditorTest, ToRgbTurnsAPalettePictureIntoAnUndoableStep) {
 }
 
 TEST_F(EditorTest, CopyPutsTheSelectionOnTheClipboardInThreeForms) {
-    auto editor = Open("k.bmp");
+    auto editor = Open(Filled(40, 30, 24, 128), "k.bmp");
     ASSERT_TRUE(OpenClipboard(nullptr));
     EmptyClipboard();
     CloseClipboard();
@@ -250,12 +226,9 @@ TEST_F(EditorTest, ANewImageTooLargeToEditIsRefusedWithAMessage) {
     Editor editor{std::wstring(L"")};
     ASSERT_TRUE(editor.frame());
     for (const auto& [side, made] : {std::pair{30000, false}, {300, true}}) {
-        editor.Command(2010);
-        HWND dialog = nullptr;
         // Visible: the dialog has set its own values by then and does not overwrite ours.
-        ASSERT_TRUE(WaitFor([&] {
-            return (dialog = FindWindowW(L"#32770", L"新規作成")) != nullptr && IsWindowVisible(dialog);
-        }));
+        HWND dialog = editor.Dialog(2010, L"新規作成");
+        ASSERT_NE(dialog, nullptr);
         SetDlgItemInt(dialog, 1211, side, FALSE);
         SetDlgItemInt(dialog, 1212, side, FALSE);
         SendMessageW(GetDlgItem(dialog, IDOK), BM_CLICK, 0, 0);
@@ -267,7 +240,7 @@ TEST_F(EditorTest, ANewImageTooLargeToEditIsRefusedWithAMessage) {
 
 // From the keyboard the view's context menu (the image menu) opens at the view's corner.
 TEST_F(EditorTest, TheKeyboardsContextMenuOpensAtTheViewsCorner) {
-    auto editor = Open("m.bmp");
+    auto editor = Open(Filled(40, 30, 24, 128), "m.bmp");
     PostMessageW(editor->frame(), WM_CONTEXTMENU, reinterpret_cast<WPARAM>(editor->View()), -1);
     HWND menu = nullptr;
     auto shownMenu = [] {
@@ -286,11 +259,7 @@ TEST_F(EditorTest, TheKeyboardsContextMenuOpensAtTheViewsCorner) {
 }
 
 void DropFile(HWND frame, const std::filesystem::path& path) {
-    const auto block = lxtest::WideDropBlock({path.wstring()});
-    HGLOBAL drop = GlobalAlloc(GMEM_MOVEABLE, block.size());
-    std::memcpy(GlobalLock(drop), block.data(), block.size());
-    GlobalUnlock(drop);
-    PostMessageW(frame, WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
+    PostMessageW(frame, WM_DROPFILES, reinterpret_cast<WPARAM>(GlobalCopy(lxtest::WideDropBlock({path.wstring()}))), 0);
 }
 
 TEST_F(EditorTest, OpeningOverChangesAsksAndCancelKeepsTheDocument) {
@@ -352,11 +321,8 @@ TEST_F(EditorTest, SetupChangesTheZoomRuleAndKeepsItInTheDisplayStatus) {
         Editor editor(dir_ / "big.bmp");
         ASSERT_TRUE(WaitFor([&] { return editor.HasImage(); }, 30000));
         EXPECT_LT(SendMessageW(editor.View(), 1698, 0, 0), 1000);  // default rule: larger pictures fit
-        editor.Command(2110);
-        HWND setup = nullptr;
-        ASSERT_TRUE(WaitFor([&] {
-            return (setup = FindWindowW(L"#32770", L"動作環境の設定")) != nullptr && IsWindowVisible(setup);
-        }));
+        HWND setup = editor.Dialog(2110, L"動作環境の設定");
+        ASSERT_NE(setup, nullptr);
         SendMessageW(GetDlgItem(setup, 1201), BM_CLICK, 0, 0);  // original size
         SendMessageW(GetDlgItem(setup, IDOK), BM_CLICK, 0, 0);
         ASSERT_TRUE(WaitFor([&] { return !IsWindow(setup); }));

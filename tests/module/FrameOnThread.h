@@ -28,7 +28,7 @@ public:
                   SW_SHOWNORMAL);
             ended_ = true;
         });
-        WaitFor([&] { return (frame_ = FrameOfThread()) != nullptr; });
+        WaitFor([&] { return (frame_ = FrameOfThread()) != nullptr || ended_; });
     }
     ~FrameOnThread() {
         if (!ended_ && frame_) {

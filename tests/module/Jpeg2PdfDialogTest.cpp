@@ -22,12 +22,6 @@ namespace {
 
 using namespace lxtest;
 
-std::wstring WindowsPath(const fs::path& path) {
-    wchar_t full[1024];
-    GetFullPathNameW(path.wstring().c_str(), 1024, full, nullptr);
-    return full;
-}
-
 // Types `name` into the save dialog's file-name box and presses Save, or presses Cancel when
 // `name` is empty.
 std::function<void(HWND)> SaveAs(const std::wstring& name) {

@@ -7,14 +7,14 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstring>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "../lib/nccore/win32/DialogDriver.h"
+#include "FrameOnThread.h"
 #include "ImageCodecs.h"
+#include "Painted.h"
 #include "ModuleTest.h"
 #include "TestFiles.h"
 
@@ -29,40 +29,21 @@ const wchar_t kSettingsKey[] = L"Software\\Northcape\\Applets\\lxpicture\\SlideS
 const std::wstring kRunning = L"一時停止", kPaused = L"開始";  // the start button's text
 const std::wstring kFailed = L"\n\nこの画像は表示できません。";
 
-void WriteBitmap(const std::filesystem::path& path, int width, int height, uint32_t bgr = 0x808080) {
-    PackedDib dib = PackedDib::Create(width, height, 24);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) std::memcpy(dib.row(y) + 3 * x, &bgr, 3);
-    ASSERT_NE(SaveBmpFile(path, dib), 0);
+void WriteBitmap(const std::filesystem::path& path, int width, int height, uint32_t rgb = 0x808080) {
+    ASSERT_NE(SaveBmpFile(path, lxtest::Painted(width, height, [=](int, int) { return rgb; })), 0);
 }
 
 // One show started through slideRunW with `path`; closed (if still open) at the end.
-class Show {
+class Show : public lxtest::FrameOnThread {
 public:
-    explicit Show(const std::filesystem::path& path) {
-        auto entry = lxtest::Entry<lxtest::WideEntry>("slideRunW");
-        std::wstring line = L"\"" + path.wstring() + L"\"";
-        thread_ = std::thread([this, entry, line]() mutable {
-            threadId_ = GetCurrentThreadId();
-            entry(nullptr, Dll(), line.data(), SW_SHOWNORMAL);
-            ended_ = true;
-        });
-        WaitFor([&] { return (frame_ = FrameOfThread()) != nullptr || ended_; });
-    }
-    ~Show() {
-        if (!ended_ && frame_) PostMessageW(frame_, WM_CLOSE, 0, 0);
-        thread_.join();
-    }
-    HWND frame() const { return frame_; }
-    bool WaitEnded() { return WaitFor([&] { return ended_.load(); }); }
-    std::wstring Caption() const { return lxtest::WindowText(frame_); }
+    explicit Show(const std::filesystem::path& path) : FrameOnThread("slideRunW", kFrameClass, L"\"" + path.wstring() + L"\"") {}
     bool WaitCaption(const std::wstring& caption, int ms = 20000) {
-        return WaitFor([&] { return Caption() == caption; }, ms);
+        return WaitFor([&] { return Title() == caption; }, ms);
     }
-    HWND Child(int id) const { return GetDlgItem(frame_, id); }
+    HWND Child(int id) const { return GetDlgItem(frame(), id); }
     std::wstring StartButton() const { return lxtest::WindowText(Child(1002)); }
     // Carried out before this returns.
-    void Command(UINT id, WORD code = 0) { SendMessageW(frame_, WM_COMMAND, MAKEWPARAM(id, code), 0); }
+    void Command(UINT id, WORD code = 0) { SendMessageW(frame(), WM_COMMAND, MAKEWPARAM(id, code), 0); }
     // The pointer moved onto the button and clicked, as the user does.
     void Click(int id) {
         RECT r{};
@@ -72,7 +53,7 @@ public:
         Mouse((r.left + r.right) / 2, (r.top + r.bottom) / 2, MOUSEEVENTF_LEFTUP);
     }
     void Press(WORD key) {
-        SetForegroundWindow(frame_);
+        SetForegroundWindow(frame());
         INPUT keys[2] = {{INPUT_KEYBOARD}, {INPUT_KEYBOARD}};
         keys[0].ki.wVk = keys[1].ki.wVk = key;
         keys[1].ki.dwFlags = KEYEVENTF_KEYUP;
@@ -88,17 +69,6 @@ private:
         SendInput(1, &input, sizeof input);
         Sleep(50);
     }
-    HWND FrameOfThread() const {
-        for (HWND w = FindWindowExW(nullptr, nullptr, kFrameClass, nullptr); w;
-             w = FindWindowExW(nullptr, w, kFrameClass, nullptr))
-            if (GetWindowThreadProcessId(w, nullptr) == threadId_) return w;
-        return nullptr;
-    }
-
-    std::thread thread_;
-    std::atomic<DWORD> threadId_{0};
-    std::atomic<bool> ended_{false};
-    HWND frame_ = nullptr;
 };
 
 class SlideShowTest : public ::testing::Test {
@@ -176,7 +146,7 @@ TEST_F(SlideShowTest, PreviousRightAfterTheStartShowsTheSlideBeforeAndPauses) {
     // A button's message other than a click does nothing; the menu's "next" steps.
     show.Command(1004, 1);
     show.Command(2205);
-    EXPECT_EQ(show.Caption(), L"[2 / 3] b.bmp");
+    EXPECT_EQ(show.Title(), L"[2 / 3] b.bmp");
     show.Press(VK_F5);  // resumes with the next slide
     EXPECT_TRUE(show.WaitCaption(L"[3 / 3] c.bmp", 5000));
     EXPECT_TRUE(WaitFor([&] { return show.StartButton() == kRunning; }, 5000));
@@ -219,9 +189,9 @@ TEST_F(SlideShowTest, ABrokenFileInTheMiddleIsPassedOverWithANote) {
     lxtest::WriteFile(dir_ / "b.bmp", std::string("not a picture"));
     Show show(dir_ / "a.bmp");
     ASSERT_TRUE(show.WaitCaption(L"[1 / 3] a.bmp"));
-    std::vector<std::wstring> seen{show.Caption()};
+    std::vector<std::wstring> seen{show.Title()};
     WaitFor([&] {
-        if (seen.back() != show.Caption()) seen.push_back(show.Caption());
+        if (seen.back() != show.Title()) seen.push_back(show.Title());
         return seen.back() == L"[3 / 3] c.bmp";
     });
     EXPECT_EQ(seen, (std::vector<std::wstring>{L"[1 / 3] a.bmp", L"[2 / 3] b.bmp" + kFailed, L"[3 / 3] c.bmp"}));

@@ -15,6 +15,7 @@
 
 #include "../lib/nccore/win32/DialogDriver.h"
 #include "ImageCodecs.h"
+#include "Painted.h"
 #include "FrameOnThread.h"
 #include "ModuleTest.h"
 #include "TestFiles.h"
@@ -36,9 +37,7 @@ const wchar_t kSettingsKey[] = L"Software\\Northcape\\Applets\\lxpicture\\MainVi
 
 // 24-bit bitmap files of a given size, each a different grey.
 void WriteBitmap(const std::filesystem::path& path, int width, int height, int grey = 128) {
-    PackedDib dib = PackedDib::Create(width, height, 24);
-    for (int y = 0; y < height; ++y) std::memset(dib.row(y), grey, static_cast<size_t>(width) * 3);
-    ASSERT_NE(SaveBmpFile(path, dib), 0);
+    ASSERT_NE(SaveBmpFile(path, lxtest::Painted(width, height, [=](int, int) { return 0x010101u * grey; })), 0);
 }
 
 // One viewer started through imgRunW with `path`; closed (if still open) at the end.

@@ -25,25 +25,12 @@ using namespace lxtest;
 
 const wchar_t kAlbumCaption[] = L"WEBアルバムの作成";
 
-std::wstring WindowsPath(const fs::path& path) {
-    wchar_t full[1024];
-    GetFullPathNameW(path.wstring().c_str(), 1024, full, nullptr);
-    return full;
-}
-
 std::wstring FromCodePage(UINT codePage, const std::vector<uint8_t>& bytes) {
     const char* data = reinterpret_cast<const char*>(bytes.data());
     const int length = MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, data, int(bytes.size()), nullptr, 0);
     std::wstring text(static_cast<size_t>(length), L'\0');
     MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, data, int(bytes.size()), text.data(), length);
     return text;
-}
-
-// The focused control of the dialog's thread.
-HWND FocusOf(HWND dialog) {
-    GUITHREADINFO info = {sizeof info};
-    GetGUIThreadInfo(GetWindowThreadProcessId(dialog, nullptr), &info);
-    return info.hwndFocus;
 }
 
 class WebAlbumTest : public testing::Test {

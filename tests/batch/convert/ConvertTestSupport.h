@@ -1,10 +1,10 @@
-// What the conversion tests share: small real image files, the recording sink, and
-// ImageMagick's identify as the independent reader of the results.
+// What the conversion tests share: small real image files (the batch tools' gradient
+// bitmaps), the recording sink, and ImageMagick's identify as the independent reader of the
+// results.
 #pragma once
 
 #include <algorithm>
 #include <cstdio>
-#include <stdexcept>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -20,17 +20,9 @@
 #include "PackedDib.h"
 #include "RecordingSink.h"
 #include "TestFiles.h"
+#include "../SplitContrastSupport.h"
 
 namespace lxtest {
-
-// A 24-bit bitmap file with a gradient (so that scaling has something to average) under
-// `path`, whatever its extension says.
-inline void WriteBitmapFile(const std::filesystem::path& path, int width, int height) {
-    lx::PackedDib dib = lx::PackedDib::Create(width, height, 24);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < 3 * width; ++x) dib.row(y)[x] = static_cast<uint8_t>((x * 255 / (3 * width)) ^ (y & 0x3f));
-    if (!lx::SaveBmpFile(path, dib)) throw std::runtime_error("cannot write test bitmap");
-}
 
 // identify's "%m %w %h" of a file ("JPEG 1000 667"), empty when it cannot read it. Under Wine
 // the Linux tool cannot be started, so there the file is read back by the codec library and

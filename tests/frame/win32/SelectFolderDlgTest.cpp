@@ -24,12 +24,6 @@ using namespace lxtest;
 const wchar_t kCaption[] = L"指定フォルダを開く";
 const wchar_t kSection[] = L"SelectFolder";
 
-std::wstring WindowsPath(const fs::path& path) {
-    wchar_t full[1024];
-    GetFullPathNameW(path.wstring().c_str(), 1024, full, nullptr);
-    return full;
-}
-
 std::wstring TypedAndOk(HWND dialog, const std::wstring& text) {
     SetDlgItemTextW(dialog, IDC_SELECTFOLDER_COMBO, text.c_str());
     SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);

@@ -11,6 +11,7 @@
 #include "../exif/ExifTestSupport.h"
 #include "ByteSource.h"
 #include "ImageCodecs.h"
+#include "Painted.h"
 #include "ThumbnailMaker.h"
 
 #ifdef _WIN32
@@ -28,14 +29,7 @@ namespace {
 
 // A picture whose left half is red and right half blue, as 24-bit.
 PackedDib Halves(int width, int height) {
-    PackedDib dib = PackedDib::Create(width, height, 24);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            uint8_t* p = dib.row(y) + x * 3;
-            p[2] = x < width / 2 ? 255 : 0;
-            p[0] = x < width / 2 ? 0 : 255;
-        }
-    return dib;
+    return lxtest::Painted(width, height, [&](int x, int) { return x < width / 2 ? 0xff0000u : 0x0000ffu; });
 }
 
 void SaveBmp(const PackedDib& dib, const std::filesystem::path& path) { ASSERT_NE(SaveBmpFile(path, dib), 0); }
@@ -116,14 +110,9 @@ TEST(ThumbnailMaker, ReductionFiltersLikePillowsLanczos) {
     ASSERT_EQ(lxtest::Run("/usr/bin/python3 -c 'import PIL' >/dev/null 2>&1"), 0) << "Pillow is missing";
     ScratchDir dir("thumbmaker-pillow");
     // Detail finer than the reduction factor of 4, so a point sample would differ.
-    PackedDib dib = PackedDib::Create(288, 144, 24);
-    for (int y = 0; y < 144; ++y)
-        for (int x = 0; x < 288; ++x) {
-            uint8_t* p = dib.row(y) + x * 3;
-            p[0] = static_cast<uint8_t>((x * 29 + y * 3) % 256);
-            p[1] = static_cast<uint8_t>(((x ^ y) & 1) ? 250 : 10);
-            p[2] = static_cast<uint8_t>((y * 17) % 256);
-        }
+    const PackedDib dib = lxtest::Painted(288, 144, [](int x, int y) {
+        return static_cast<uint32_t>((y * 17) % 256 << 16 | (((x ^ y) & 1) ? 250 : 10) << 8 | (x * 29 + y * 3) % 256);
+    });
     SaveBmp(dib, dir / "detail.bmp");
     const auto ours = MakeThumbnailDib(dir / "detail.bmp");
     ASSERT_TRUE(ours);

@@ -35,16 +35,8 @@ double SoftLight(double cb, double cs) {
     const double d = cb <= 0.25 ? ((16 * cb - 12) * cb + 4) * cb : std::sqrt(cb);
     return cb + (2 * cs - 1) * (d - cb);
 }
-double ColorDodge(double cb, double cs) {
-    if (cb == 0) return 0;
-    if (cs == 1) return 1;
-    return std::min(1.0, cb / (1 - cs));
-}
-double ColorBurn(double cb, double cs) {
-    if (cb == 1) return 1;
-    if (cs == 0) return 0;
-    return 1 - std::min(1.0, (1 - cb) / cs);
-}
+double ColorDodge(double cb, double cs) { return cb == 0 ? 0 : cs == 1 ? 1 : std::min(1.0, cb / (1 - cs)); }
+double ColorBurn(double cb, double cs) { return cb == 1 ? 1 : cs == 0 ? 0 : 1 - std::min(1.0, (1 - cb) / cs); }
 
 double Lum(Rgb c) { return 0.3 * c.r + 0.59 * c.g + 0.11 * c.b; }
 Rgb ClipColor(Rgb c) {
@@ -125,17 +117,11 @@ std::vector<uint32_t> GridColours() {
 // pair meets once.
 PackedDib PairImage(const std::vector<uint32_t>& colours, bool byColumn) {
     const int n = static_cast<int>(colours.size());
-    PackedDib dib = PackedDib::Create(n, n, 24);
-    for (int y = 0; y < n; ++y)
-        for (int x = 0; x < n; ++x) {
-            const uint32_t c = colours[byColumn ? x : y];
-            uint8_t* p = dib.row(y) + 3 * x;
-            p[0] = c & 0xff, p[1] = (c >> 8) & 0xff, p[2] = (c >> 16) & 0xff;
-        }
-    return dib;
+    return lxtest::Painted(n, n, [&](int x, int y) { return colours[byColumn ? x : y]; });
 }
 
-Rgb ToRgb(uint32_t c) { return {((c >> 16) & 0xff) / 255.0, ((c >> 8) & 0xff) / 255.0, (c & 0xff) / 255.0}; }
+double Channel(uint32_t c, int i) { return ((c >> (16 - 8 * i)) & 0xff) / 255.0; }  // i: 0 red, 1 green, 2 blue
+Rgb ToRgb(uint32_t c) { return {Channel(c, 0), Channel(c, 1), Channel(c, 2)}; }
 
 void CheckMode(const ModeModel& mode, int alpha, double tolerance) {
     const std::vector<uint32_t> colours = GridColours();
@@ -146,33 +132,26 @@ void CheckMode(const ModeModel& mode, int alpha, double tolerance) {
     int wrong = 0;
     for (int y = 0; y < n && wrong < 5; ++y)
         for (int x = 0; x < n && wrong < 5; ++x) {
-            const Rgb below = ToRgb(colours[y]);
-            const Rgb blended = ModelBlend(mode, below, ToRgb(colours[x]));
-            const double a = alpha / 255.0;
-            const double want[3] = {255 * ((1 - a) * below.r + a * std::clamp(blended.r, 0.0, 1.0)),
-                                    255 * ((1 - a) * below.g + a * std::clamp(blended.g, 0.0, 1.0)),
-                                    255 * ((1 - a) * below.b + a * std::clamp(blended.b, 0.0, 1.0))};
-            const uint32_t got = image.dib().pixel(x, y);
-            const int have[3] = {static_cast<int>((got >> 16) & 0xff), static_cast<int>((got >> 8) & 0xff),
-                                 static_cast<int>(got & 0xff)};
-            for (int c = 0; c < 3; ++c)
-                if (std::fabs(have[c] - want[c]) > tolerance) {
-                    ADD_FAILURE() << "mode " << mode.code << " alpha " << alpha << std::hex << " below " << colours[y]
-                                  << " layer " << colours[x] << std::dec << " channel " << c << ": " << have[c]
-                                  << ", model " << want[c];
-                    ++wrong;
-                    break;
-                }
+            const Rgb blended = ModelBlend(mode, ToRgb(colours[y]), ToRgb(colours[x]));
+            const double model[3] = {blended.r, blended.g, blended.b}, a = alpha / 255.0;
+            for (int c = 0; c < 3; ++c) {
+                const double want = 255 * ((1 - a) * Channel(colours[y], c) + a * std::clamp(model[c], 0.0, 1.0));
+                const double have = 255 * Channel(image.dib().pixel(x, y), c);
+                if (std::fabs(have - want) <= tolerance) continue;
+                ADD_FAILURE() << "mode " << mode.code << " alpha " << alpha << std::hex << " below " << colours[y]
+                              << " layer " << colours[x] << std::dec << " channel " << c << ": " << have << ", model " << want;
+                ++wrong;
+                break;
+            }
         }
 }
 
-TEST(MifBlendModel, EveryModeAtFullOpacityIsTheModelRounded) {
-    for (const ModeModel& mode : kModes) CheckMode(mode, 255, 0.5 + 1e-6);
-}
-
 // 50 % is alpha 127, as the paste's opacity scale gives it.
-TEST(MifBlendModel, EveryModeAtHalfOpacityIsTheModelMixedOverTheImage) {
-    for (const ModeModel& mode : kModes) CheckMode(mode, 127, 1.0 + 1e-6);
+TEST(MifBlendModel, EveryModeIsTheModelRoundedAtFullOpacityAndMixedOverTheImageAtHalf) {
+    for (const ModeModel& mode : kModes) {
+        CheckMode(mode, 255, 0.5 + 1e-6);
+        CheckMode(mode, 127, 1.0 + 1e-6);
+    }
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "PackedDib.h"
+#include "Painted.h"
 #include "TestFiles.h"
 #include "mif.h"
 
@@ -73,16 +74,7 @@ inline lx::PackedDib Pattern(int w, int h, Format f) {
 }
 
 // A w x h 24-bit image of one colour 0x00RRGGBB.
-inline lx::PackedDib Solid(int w, int h, uint32_t rgb) {
-    lx::PackedDib dib = lx::PackedDib::Create(w, h, 24);
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            dib.row(y)[3 * x] = rgb & 0xff;
-            dib.row(y)[3 * x + 1] = (rgb >> 8) & 0xff;
-            dib.row(y)[3 * x + 2] = (rgb >> 16) & 0xff;
-        }
-    return dib;
-}
+inline lx::PackedDib Solid(int w, int h, uint32_t rgb) { return lxtest::Painted(w, h, [=](int, int) { return rgb; }); }
 
 inline uint32_t Grey(int v) { return static_cast<uint32_t>(v * 0x010101); }
 

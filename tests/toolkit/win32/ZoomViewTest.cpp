@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "DibGlobal.h"
+#include "Painted.h"
 #include "ThreadTestHelpers.h"
 #include "ZoomView.h"
 
@@ -34,19 +35,7 @@ LRESULT CALLBACK ParentProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPara
     return DefWindowProcW(hwnd, message, wParam, lParam);
 }
 
-// 24-bit picture whose pixel (x, y) is colour(x, y) as 0xRRGGBB.
-PackedDib Picture(int width, int height, const std::function<uint32_t(int, int)>& colour) {
-    PackedDib dib = PackedDib::Create(width, height, 24);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            const uint32_t c = colour(x, y);
-            uint8_t* p = dib.row(y) + x * 3;
-            p[0] = c & 0xff;
-            p[1] = (c >> 8) & 0xff;
-            p[2] = (c >> 16) & 0xff;
-        }
-    return dib;
-}
+using lxtest::Painted;
 
 uint32_t Distinct(int x, int y) { return (x * 37 + y * 11) % 256 << 16 | (x * 5) % 256 << 8 | (y * 7) % 256; }
 
@@ -133,15 +122,15 @@ TEST_F(ZoomViewTest, AnEmptyViewOrAMalformedBlockAnswersWithNoPictureAndShowsThe
 }
 
 TEST_F(ZoomViewTest, SetImageHandsBackThePreviousHandleAndCopiesWhenOnlyLent) {
-    HGLOBAL first = DibToGlobal(Picture(4, 3, Distinct));
-    HGLOBAL second = DibToGlobal(Picture(5, 5, Distinct));
+    HGLOBAL first = DibToGlobal(Painted(4, 3, Distinct));
+    HGLOBAL second = DibToGlobal(Painted(5, 5, Distinct));
     EXPECT_EQ(Send(kZvSetImage, 1, reinterpret_cast<LPARAM>(first)), 0);
     EXPECT_EQ(reinterpret_cast<HGLOBAL>(Send(kZvGetImage)), first);
     EXPECT_EQ(reinterpret_cast<HGLOBAL>(Send(kZvReplaceImage, 1, reinterpret_cast<LPARAM>(second))), first);
     GlobalFree(first);
 
     // wParam 0: the view keeps its own copy, the caller's block stays the caller's.
-    HGLOBAL lent = DibToGlobal(Picture(6, 2, Distinct));
+    HGLOBAL lent = DibToGlobal(Painted(6, 2, Distinct));
     EXPECT_EQ(reinterpret_cast<HGLOBAL>(Send(kZvSetImage, 0, reinterpret_cast<LPARAM>(lent))), second);
     GlobalFree(second);
     HGLOBAL held = reinterpret_cast<HGLOBAL>(Send(kZvGetImage));
@@ -159,7 +148,7 @@ TEST_F(ZoomViewTest, SetImageHandsBackThePreviousHandleAndCopiesWhenOnlyLent) {
 // From 100 % up every image pixel covers zoom / 1000 screen pixels; a picture smaller than
 // the view is centred, a larger one scrolled.
 TEST_F(ZoomViewTest, FromFullSizeUpEveryPixelIsRepeatedCentredAlsoOnTheScreen) {
-    const PackedDib dib = Picture(60, 50, Distinct);
+    const PackedDib dib = Painted(60, 50, Distinct);
     auto expectPixels = [&](int scale) {
         EXPECT_EQ(Send(kZvSetZoom, 1000 * scale), 1000 * scale);
         const Shot shot = Capture(view_);
@@ -191,7 +180,7 @@ TEST_F(ZoomViewTest, HalfSizeShowsTheAverageNotAPointSampleAlsoOfPalettePictures
     // Alternating black and white columns; rows of 2x2 blocks with one odd pixel each. The
     // reduction's kernel reaches about eight source pixels beyond its own; within that of the
     // sides it sees the repeated edge column (black on the left, white on the right) too.
-    const PackedDib dib = Picture(200, 100, [](int x, int y) -> uint32_t {
+    const PackedDib dib = Painted(200, 100, [](int x, int y) -> uint32_t {
         if (y < 50) return (x % 2) ? 0xffffff : 0x000000;
         return (x % 2 == 0 && y % 2 == 0) ? 0xc80000 : 0x000000;  // one red in four: 50 red
     });
@@ -227,7 +216,7 @@ TEST_F(ZoomViewTest, HalfSizeShowsTheAverageNotAPointSampleAlsoOfPalettePictures
 }
 
 TEST_F(ZoomViewTest, ZoomCommandsStepFitAndClamp) {
-    Show(Picture(800, 600, Distinct));
+    Show(Painted(800, 600, Distinct));
     EXPECT_EQ(Send(kZvZoomCommand, kZoomIn), 1250);
     EXPECT_EQ(Send(kZvZoomCommand, kZoomOut), 1000);
     EXPECT_EQ(Send(kZvZoomCommand, kZoomOriginal), 1000);
@@ -240,7 +229,7 @@ TEST_F(ZoomViewTest, ZoomCommandsStepFitAndClamp) {
     EXPECT_EQ(Send(kZvCanZoom), MAKELONG(1, 0));
 
     // A picture taller than wide, fitted to its width in a view that must then scroll.
-    Show(Picture(200, 1000, Distinct));
+    Show(Painted(200, 1000, Distinct));
     const int zoom = static_cast<int>(Send(kZvZoomCommand, kZoomFitWidth));
     EXPECT_EQ(zoom, (kViewWidth - GetSystemMetrics(SM_CXVSCROLL)) * 1000 / 200);
     SCROLLINFO info{sizeof(info), SIF_ALL};
@@ -255,7 +244,7 @@ TEST_F(ZoomViewTest, ZoomCommandsStepFitAndClamp) {
 }
 
 TEST_F(ZoomViewTest, SelectionRoundTripsClipsAndIsReported) {
-    Show(Picture(100, 80, Distinct));
+    Show(Painted(100, 80, Distinct));
     Select({10, 20, 30, 40});
     EXPECT_TRUE((Selection() == RECT{10, 20, 30, 40}));
     ASSERT_FALSE(g_notes.empty());
@@ -268,12 +257,12 @@ TEST_F(ZoomViewTest, SelectionRoundTripsClipsAndIsReported) {
 
     // A smaller picture cuts the selection down to itself.
     Select({50, 50, 100, 80});
-    Show(Picture(60, 60, Distinct));
+    Show(Painted(60, 60, Distinct));
     EXPECT_TRUE((Selection() == RECT{50, 50, 60, 60}));
 }
 
 TEST_F(ZoomViewTest, DraggingSelectsInImagePixelsAndTheHandScrolls) {
-    Show(Picture(100, 100, Distinct));
+    Show(Painted(100, 100, Distinct));
     Send(kZvSetZoom, 2000);  // 200 x 200, centred at (100, 50)
     Send(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(100 + 20, 50 + 40));
     Send(WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(100 + 61, 50 + 81));
@@ -314,7 +303,7 @@ TEST_F(ZoomViewTest, DraggingSelectsInImagePixelsAndTheHandScrolls) {
 }
 
 TEST_F(ZoomViewTest, SettingsRecordsRoundTripAndAShortOneIsNotOverrun) {
-    Show(Picture(1000, 1000, Distinct));
+    Show(Painted(1000, 1000, Distinct));
     Send(kZvSetZoom, 2000);
     ZoomViewSettings record = Read(0xffffffff);
     EXPECT_EQ(record.zoom, 2000);  // byte 48: the header asserts the layout
@@ -346,7 +335,7 @@ TEST_F(ZoomViewTest, SettingsRecordsRoundTripAndAShortOneIsNotOverrun) {
 }
 
 TEST_F(ZoomViewTest, GridLinesAppearInTheirColourWhenAsked) {
-    Show(Picture(40, 40, [](int, int) { return 0xffffffu; }));
+    Show(Painted(40, 40, [](int, int) { return 0xffffffu; }));
     Send(kZvSetZoom, 4000);  // 160 x 160 at (120, 70)
     ZoomViewSettings grid{};
     grid.mask = kSettingsGridShown | kSettingsGridStep | kSettingsGridColour;
@@ -361,20 +350,20 @@ TEST_F(ZoomViewTest, GridLinesAppearInTheirColourWhenAsked) {
 }
 
 TEST_F(ZoomViewTest, ReplacingKeepsThePositionSettingScrollsHome) {
-    Show(Picture(1000, 1000, Distinct));
+    Show(Painted(1000, 1000, Distinct));
     Send(kZvSetZoom, 2000);
     ZoomViewSettings at{};
     at.mask = kSettingsScroll;
     at.scrollX = 300;
     at.scrollY = 200;
     Send(kZvApplySettings, 0, reinterpret_cast<LPARAM>(&at));
-    Show(Picture(1000, 1000, Distinct), kZvReplaceImage);  // an edit of the same picture
+    Show(Painted(1000, 1000, Distinct), kZvReplaceImage);  // an edit of the same picture
     ZoomViewSettings now = Read(kSettingsScroll | kSettingsZoom);
     EXPECT_EQ(now.scrollX, 300);
     EXPECT_EQ(now.scrollY, 200);
     EXPECT_EQ(now.zoom, 2000);
     const ZoomViewSettings kept = now;
-    Show(Picture(1000, 1000, Distinct), kZvSetImage);  // another picture
+    Show(Painted(1000, 1000, Distinct), kZvSetImage);  // another picture
     now = Read(now.mask);
     EXPECT_EQ(now.scrollX, 0);
     EXPECT_EQ(now.scrollY, 0);
@@ -387,7 +376,7 @@ TEST_F(ZoomViewTest, ReplacingKeepsThePositionSettingScrollsHome) {
 }
 
 TEST_F(ZoomViewTest, AfterAFitResizingFitsAgainWhenTheOptionAsks) {
-    Show(Picture(800, 600, Distinct));
+    Show(Painted(800, 600, Distinct));
     EXPECT_EQ(Send(kZvSetOptions, kOptionRefitOnResize), 0);
     EXPECT_EQ(Send(kZvGetOptions), kOptionRefitOnResize);
     EXPECT_EQ(Send(kZvZoomCommand, kZoomWhole), 500);
@@ -398,7 +387,7 @@ TEST_F(ZoomViewTest, AfterAFitResizingFitsAgainWhenTheOptionAsks) {
     SetWindowPos(view_, nullptr, 0, 0, 400, 300, SWP_NOZORDER | SWP_NOMOVE);
     EXPECT_EQ(Send(kZvGetZoom), 250);
     // A small picture is blown up to the window only with the enlarging bit.
-    Show(Picture(40, 30, Distinct));
+    Show(Painted(40, 30, Distinct));
     EXPECT_EQ(Send(kZvZoomCommand, kZoomWhole), 1000);
     Send(kZvSetOptions, kOptionFitEnlarges | kOptionRefitOnResize);
     EXPECT_EQ(Send(kZvZoomCommand, kZoomWhole), 10000);
@@ -408,7 +397,7 @@ TEST_F(ZoomViewTest, AfterAFitResizingFitsAgainWhenTheOptionAsks) {
 // reduced picture larger than the view shows the part scrolled to.
 TEST_F(ZoomViewTest, TopDownAndBottomUpBlocksShowUprightAlsoReducedAndScrolled) {
     const auto squares = [](int x, int y) { return Distinct(x / 32, y / 32); };  // flat 32 x 32 squares
-    const PackedDib dib = Picture(1200, 900, squares);
+    const PackedDib dib = Painted(1200, 900, squares);
     const struct {
         bool topDown;
         int zoom, scrollX, scrollY;
@@ -453,13 +442,13 @@ TEST_F(ZoomViewTest, TopDownAndBottomUpBlocksShowUprightAlsoReducedAndScrolled) 
 // hundreds of kilobytes, and 200 lost ones would be over a hundred megabytes.
 TEST_F(ZoomViewTest, APictureIsHeldOnceAndResourcesStayFlatOver200Pictures) {
     // While the view shows a picture it keeps one copy: the block it was handed.
-    const PackedDib big = Picture(2000, 1500, Distinct);  // 9 MB
+    const PackedDib big = Painted(2000, 1500, Distinct);  // 9 MB
     const long long held = lxtest::PrivateBytes();
     Show(big);
     Capture(view_);
     EXPECT_LT(lxtest::PrivateBytes() - held, static_cast<long long>(big.bytes().size() * 3 / 2));
 
-    const PackedDib a = Picture(600, 400, Distinct), b = Picture(500, 420, Distinct);
+    const PackedDib a = Painted(600, 400, Distinct), b = Painted(500, 420, Distinct);
     auto cycle = [&](int i) {
         Show(i % 2 ? a : b, i % 3 ? kZvSetImage : kZvReplaceImage);
         Send(kZvSetZoom, i % 4 ? 500 : 2000);
@@ -485,7 +474,7 @@ TEST_F(ZoomViewTest, APictureIsHeldOnceAndResourcesStayFlatOver200Pictures) {
 // The floating picture's own loop reads the posted input: a drag moves it by whole image
 // pixels (at 200 % two screen pixels make one), Enter takes the place, Esc gives up.
 TEST_F(ZoomViewTest, AFloatingPictureIsDraggedIntoPlaceOrGivenUp) {
-    Show(Picture(100, 80, Distinct));
+    Show(Painted(100, 80, Distinct));
     Send(kZvSetZoom, 2000);
     HIMAGELIST list = ImageList_Create(20, 20, ILC_COLOR24 | ILC_MASK, 1, 1);
     HDC screen = GetDC(nullptr);

@@ -19,6 +19,7 @@ namespace lx {
 namespace {
 
 using lxtest::DialogDriver;
+using lxtest::ItemText;
 using lxtest::WindowText;
 
 const wchar_t* const kSection = MAKEINTRESOURCEW(4406);
@@ -33,17 +34,10 @@ void Click(HWND dialog, int id) { SendMessageW(Item(dialog, id), BM_CLICK, 0, 0)
 void Press(HWND dialog, int id) { SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), 0); }
 void SetText(HWND dialog, int id, const wchar_t* text) { SetWindowTextW(Item(dialog, id), text); }
 bool Open(HWND dialog) { return IsWindow(dialog) && IsWindowVisible(dialog); }
-std::wstring ItemText(HWND list, int row, int column) {
-    wchar_t text[128] = {};
-    ListView_GetItemText(list, row, column, text, 128);
-    return text;
-}
 
 // The id of the control with the focus (the combo box's when the focus is in its edit field).
 int FocusId(HWND dialog) {
-    GUITHREADINFO info = {sizeof info};
-    GetGUIThreadInfo(GetWindowThreadProcessId(dialog, nullptr), &info);
-    HWND focus = info.hwndFocus;
+    HWND focus = lxtest::FocusOf(dialog);
     if (GetParent(focus) != dialog) focus = GetParent(focus);
     return GetDlgCtrlID(focus);
 }

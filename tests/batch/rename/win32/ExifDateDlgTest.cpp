@@ -39,6 +39,8 @@ const wchar_t* const kExif = MAKEINTRESOURCEW(4407);
 const wchar_t* const kRename = MAKEINTRESOURCEW(4616);
 constexpr DWORD kNoValue = 0xDEADBEEF;
 
+using lxtest::FocusOf;
+using lxtest::ItemText;
 using lxtest::WaitFor;
 
 HWND FindVisibleDialog(const wchar_t* title) {
@@ -50,12 +52,6 @@ HWND WaitForDialog(const wchar_t* title) {
     HWND found = nullptr;
     WaitFor([&] { return (found = FindVisibleDialog(title)) != nullptr; });
     return found;
-}
-
-std::wstring ItemText(HWND list, int item, int column) {
-    wchar_t text[512] = {};
-    ListView_GetItemText(list, item, column, text, 512);
-    return text;
 }
 
 std::wstring ColumnTitle(HWND list, int column) {
@@ -119,14 +115,6 @@ std::vector<std::wstring> Column(HWND dialog, int column) {
 }
 
 std::vector<std::wstring> NewNames(HWND dialog) { return Column(dialog, 2); }
-
-// The window with the keyboard focus on the thread that runs `window`.
-HWND FocusOf(HWND window) {
-    GUITHREADINFO info{};
-    info.cbSize = sizeof info;
-    GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info);
-    return info.hwndFocus;
-}
 
 void Press(HWND window, int button) { PostMessageW(window, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), 0); }
 

@@ -4,10 +4,12 @@
 #pragma once
 
 #include <windows.h>
+#include <commctrl.h>
 
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <thread>
@@ -27,6 +29,27 @@ inline bool WaitFor(const std::function<bool()>& condition, int milliseconds = 2
 inline std::wstring WindowText(HWND window) {
     wchar_t text[1024] = {};
     GetWindowTextW(window, text, 1024);
+    return text;
+}
+
+// The control with the keyboard focus in the thread of `window`.
+inline HWND FocusOf(HWND window) {
+    GUITHREADINFO info{sizeof info};
+    GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info);
+    return info.hwndFocus;
+}
+
+// `path` made absolute in Windows' own spelling.
+inline std::wstring WindowsPath(const std::filesystem::path& path) {
+    wchar_t full[1024];
+    GetFullPathNameW(path.wstring().c_str(), 1024, full, nullptr);
+    return full;
+}
+
+// The text of one cell of a list view.
+inline std::wstring ItemText(HWND list, int item, int column) {
+    wchar_t text[512] = {};
+    ListView_GetItemText(list, item, column, text, 512);
     return text;
 }
 

@@ -2,6 +2,7 @@
 // format Windows decodes must come back as the picture that went in, at the right depth.
 #include "GifWriter.h"
 #include "ImageLoad.h"
+#include "Painted.h"
 #include "../ImageLoadTestSupport.h"
 #include "JpegWriter.h"
 #include "PngWriter.h"
@@ -205,12 +206,7 @@ TEST(WicLoader, RefusesCanvasesTheFileIsTooSmallToHold) {
     EXPECT_FALSE(lx::LoadJpegFromMemory(JpegClaiming(6000, 4000)));
     // The emptiest real photograph, a blank 12-megapixel sky, progressive with optimised
     // tables, still loads.
-    PackedDib sky = PackedDib::Create(4000, 3000, 24);
-    for (int y = 0; y < sky.height(); ++y)
-        for (int x = 0; x < sky.width(); ++x) {
-            uint8_t* p = sky.row(y) + 3 * x;
-            p[0] = 232, p[1] = 181, p[2] = 135;
-        }
+    const PackedDib sky = lxtest::Painted(4000, 3000, [](int, int) { return 0x87b5e8u; });
     lx::JpegSaveRecord record;
     record.quality = 75;
     record.progressive = 1;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "ImageCodecs.h"
+#include "Painted.h"
 #include "TestFiles.h"
 #include "ThreadTestHelpers.h"
 #include "ThumbnailLayout.h"
@@ -49,16 +50,6 @@ void PumpUntilEnded(HANDLE thread) {
     Pump();
 }
 
-PackedDib Solid(int width, int height, uint32_t rgb) {
-    PackedDib dib = PackedDib::Create(width, height, 24);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            uint8_t* p = dib.row(y) + x * 3;
-            p[0] = rgb & 0xff, p[1] = (rgb >> 8) & 0xff, p[2] = (rgb >> 16) & 0xff;
-        }
-    return dib;
-}
-
 std::vector<int> Range(int from, int to) {
     std::vector<int> v;
     for (int i = from; i < to; ++i) v.push_back(i);
@@ -94,7 +85,7 @@ protected:
 
     std::wstring Path(const std::string& name) const { return (dir_ / name).wstring(); }
     void Image(const std::string& name, int width = 40, int height = 30, uint32_t rgb = 0x3366cc) {
-        ASSERT_NE(SaveBmpFile(dir_ / name, Solid(width, height, rgb)), 0);
+        ASSERT_NE(SaveBmpFile(dir_ / name, lxtest::Painted(width, height, [&](int, int) { return rgb; })), 0);
     }
     // `count` bitmaps named img0.bmp ... so that natural order is numeric order.
     void Images(int count, int width = 40, int height = 30) {
