@@ -1,18 +1,12 @@
 #include "JpegIdctSimd.h"
 
-namespace lx {
+#include "JpegSimd.h"
 
-bool CpuHasAvx2() {
-#ifdef LX_JPEG_X86_SIMD
-    return __builtin_cpu_supports("avx2");
-#else
-    return false;
-#endif
-}
+namespace lx {
 
 IdctFunction BestIdctIslow8() {
 #ifdef LX_JPEG_X86_SIMD
-    static const IdctFunction best = CpuHasAvx2() ? IdctIslow8Avx2 : IdctIslow8Sse2;
+    static const IdctFunction best = BestJpegSimd() != JpegSimd::Baseline ? IdctIslow8Avx2 : IdctIslow8Sse2;
     return best;
 #else
     return IdctIslow8;

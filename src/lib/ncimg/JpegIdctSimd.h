@@ -1,7 +1,7 @@
 // Vector versions of the full-size inverse DCT (JpegIdct.h). They run the same formulas as
 // the scalar one (JpegIdctKernel.h) in 32-bit lanes, so they give the same samples for every
 // block whose sums fit 32 bits, which all real data does. SSE2 is always there on x86-64;
-// AVX2 is chosen at run time when the processor reports it.
+// AVX2 is chosen at run time when the processor reports it (JpegSimd.h).
 #pragma once
 
 #include "JpegIdct.h"
@@ -13,8 +13,6 @@ namespace lx {
 void IdctIslow8Sse2(const int16_t* coef, const uint16_t* quant, uint8_t* out, ptrdiff_t stride);
 void IdctIslow8Avx2(const int16_t* coef, const uint16_t* quant, uint8_t* out, ptrdiff_t stride);
 #endif
-
-bool CpuHasAvx2();
 
 // The fastest full-size transform this processor runs.
 IdctFunction BestIdctIslow8();

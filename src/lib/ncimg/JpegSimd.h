@@ -1,4 +1,4 @@
-// Which vector instructions the JPEG encoder's inner loops use. Every loop has a path for
+// Which vector instructions the JPEG codec's inner loops use (the decoder's transform too). Every loop has a path for
 // plain x86-64 (SSE2, or portable code elsewhere) and, where it pays, one for AVX2 (with
 // BMI1 and BMI2), chosen while running when the processor has them; the forward DCT also
 // has one for AVX-512 (two blocks per register). All paths give the same results to the
